@@ -1,0 +1,22 @@
+# One interface target carries the language level, the warnings and the instrumentation of every room.
+option(QUOLKIT_WERROR "Treat warnings as errors" OFF)
+option(QUOLKIT_FUZZ "Build the fuzz targets (clang only)" OFF)
+option(QUOLKIT_COVERAGE "Instrument for gcov" OFF)
+set(QUOLKIT_SANITIZE "" CACHE STRING "Sanitizers, as -fsanitize= takes them")
+
+add_library(quolkit_options INTERFACE)
+target_compile_features(quolkit_options INTERFACE cxx_std_20)
+target_compile_options(quolkit_options INTERFACE -Wall -Wextra -Wshadow)
+if(QUOLKIT_WERROR)
+  target_compile_options(quolkit_options INTERFACE -Werror)
+endif()
+if(QUOLKIT_SANITIZE)
+  target_compile_options(quolkit_options INTERFACE
+    -O1 -fsanitize=${QUOLKIT_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
+  target_link_options(quolkit_options INTERFACE -fsanitize=${QUOLKIT_SANITIZE})
+endif()
+if(QUOLKIT_COVERAGE)
+  target_compile_options(quolkit_options INTERFACE --coverage)
+  target_link_options(quolkit_options INTERFACE --coverage)
+endif()
+set(CMAKE_CXX_EXTENSIONS OFF)

@@ -1,0 +1,25 @@
+// The kernels in use. Before qovInit they are those of level px.
+#ifndef QOV_ACTIVE_H
+#define QOV_ACTIVE_H
+
+#include "kernels/jadd.h"
+
+// Every family once: F(x, name in the table, its struct).
+#define QOV_FAMILIES(F, x) F(x, add, AddKernels)
+
+namespace qov {
+
+struct Kernels {
+#define QOV_MEMBER(x, name, Type) const Type* name;
+    QOV_FAMILIES(QOV_MEMBER, )
+#undef QOV_MEMBER
+};
+
+extern Kernels active;
+
+QovCpuType activeLevel();
+void activate(QovCpuType level); // px to v4; the caller knows that the machine can run it
+
+} // namespace qov
+
+#endif

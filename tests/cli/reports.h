@@ -1,0 +1,97 @@
+// Console text and tables of a run, taken apart for comparison.
+#ifndef TESTS_CLI_REPORTS_H
+#define TESTS_CLI_REPORTS_H
+
+#include <regex>
+#include <sstream>
+#include <string>
+#include <vector>
+
+using Cells = std::vector<std::string>;
+
+inline Cells split(const std::string& text, char separator)
+{
+    Cells cells;
+    std::istringstream in(text);
+    for (std::string cell; std::getline(in, cell, separator);) cells.push_back(cell);
+    return cells;
+}
+
+inline Cells linesOf(const std::string& text)
+{
+    return split(text, '\n');
+}
+
+// The lines that begin with `start`.
+inline Cells linesWith(const std::string& text, const std::string& start)
+{
+    Cells found;
+    for (const std::string& line : linesOf(text)) {
+        if (line.starts_with(start)) found.push_back(line);
+    }
+    return found;
+}
+
+// A table: `title` holds the lines "key,value" before `head`, the first line that begins as told.
+struct Table {
+    Table(const std::string& text, const std::string& headBegins)
+    {
+        bool inTitle = true;
+        for (const std::string& line : linesOf(text)) {
+            if (inTitle && line.starts_with(headBegins)) {
+                head = line;
+                inTitle = false;
+            } else {
+                (inTitle ? title : rows).push_back(line);
+            }
+        }
+    }
+
+    Cells title;
+    std::string head;
+    Cells rows;
+};
+
+inline Table performanceTable(const std::string& text)
+{
+    return Table(text, "funcBase,");
+}
+
+// The part of each row that names the function and its parameters.
+inline Cells parameterCells(const Table& table)
+{
+    Cells found;
+    for (const std::string& row : table.rows) {
+        const Cells cells = split(row, ',');
+        std::string part;
+        for (size_t i = 0; i < cells.size() && i < 9; i++) part += cells[i] + ",";
+        found.push_back(part);
+    }
+    return found;
+}
+
+// The comment column: how a row was measured.
+inline Cells comments(const Table& table)
+{
+    Cells found;
+    for (const std::string& row : table.rows) {
+        const Cells cells = split(row, ',');
+        found.push_back(cells.size() > 9 ? cells[9] : "?");
+    }
+    return found;
+}
+
+const std::string timePattern = "[A-Z][a-z]{2} [A-Z][a-z]{2} [ 1-3][0-9] [0-9:]{8} [0-9]{4}";
+
+// From the first common parameter on, with stand-ins of the same width for times of day and measured numbers.
+inline std::string withoutNumbers(const std::string& console)
+{
+    const size_t begin = console.find("\n Method: ");
+    std::string text = begin == std::string::npos ? console : console.substr(begin + 1);
+    text = std::regex_replace(text, std::regex(timePattern), "Www Mmm dd hh:mm:ss yyyy");
+    text = std::regex_replace(text, std::regex("(Total time +: )[0-9:]{8}"), "$1hh:mm:ss");
+    return std::regex_replace(text, std::regex("perf=[ 0-9.e+]{9}/([ 0-9.e+]{9})=[ 0-9.]{9} clocks"),
+                              "perf=<clocks>/$1=<result> clocks");
+}
+
+#endif

@@ -1,0 +1,171 @@
+// The timed loops step by step, on a clock that only the calls move: which counter reads, calls and inits
+// happen in which order, what the clocks and counts on return are, and which status counts. A read too many,
+// an init on the wrong side of a read, or a warm call that is timed shows as another text or number.
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+#include "qdtime.h"
+
+namespace {
+
+std::string s_events; // R counter read, C call, I init, K status check
+long long s_now;
+std::vector<int> s_statuses; // of the calls in turn, then 0
+size_t s_calls;
+int s_checked;
+std::string s_name;
+
+struct EventClock {
+    static long long read()
+    {
+        s_events += 'R';
+        return s_now;
+    }
+};
+
+struct EventCheck {
+    static qkResult check(QovStatus status, const qkString& name)
+    {
+        s_events += 'K';
+        s_checked = status;
+        s_name = name.c_str();
+        return WARNING;
+    }
+};
+
+int call()
+{
+    s_events += 'C';
+    s_now += 10;
+    return s_calls < s_statuses.size() ? s_statuses[s_calls++] : 0;
+}
+
+void init()
+{
+    s_events += 'I';
+    s_now += 1000;
+}
+
+struct Case {
+    const char* what;
+    int n;
+    long long clocks;
+    std::vector<int> statuses;
+    const char* events;
+    int doneCalls;
+    long long doneClocks;
+    int status;
+};
+
+void start(const Case& c)
+{
+    s_events = s_name = "";
+    s_now = 500;
+    s_statuses = c.statuses;
+    s_calls = 0;
+    s_checked = 99;
+}
+
+void expectDone(const Case& c, qkResult result, long long clocks)
+{
+    EXPECT_EQ(s_events, c.events);
+    EXPECT_EQ(clocks, c.doneClocks);
+    EXPECT_EQ(s_checked, c.status);
+    EXPECT_EQ(s_name, "func");
+    EXPECT_EQ(result, WARNING);
+}
+
+template <class Timed>
+void runLoop(const std::vector<Case>& cases, Timed timed)
+{
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.what);
+        start(c);
+        long long clocks = c.clocks;
+        const qkResult result = timed(c.n, &clocks);
+        expectDone(c, result, clocks);
+    }
+}
+
+template <class Timed>
+void runStat(const std::vector<Case>& cases, Timed timed)
+{
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.what);
+        start(c);
+        int n = c.n;
+        long long clocks = c.clocks;
+        const qkResult result = timed(&n, &clocks);
+        expectDone(c, result, clocks);
+        EXPECT_EQ(n, c.doneCalls);
+    }
+}
+
+TEST(TimeLoop, OneSpanOverAllCalls)
+{
+    const std::vector<Case> cases = {
+        {"three calls", 3, 7777, {}, "CRCCCRK", 0, 30, 0},
+        {"none: the span is empty, the warm call's status counts", 0, 7777, {4}, "CRRK", 0, 0, 4},
+        {"negative count", -2, 7777, {}, "CRRK", 0, 0, 0},
+        {"only the last status counts, no error stops", 3, 0, {-1, 5, -7, 0}, "CRCCCRK", 0, 30, 0},
+        {"last one bad", 2, 0, {0, 0, -7}, "CRCCRK", 0, 20, -7},
+    };
+    runLoop(cases, [](int n, long long* clocks) {
+        return qdTimeLoop<EventClock, EventCheck>("func", n, clocks, call);
+    });
+}
+
+TEST(TimeLoop, InitStandsInsideTheSpan)
+{
+    const std::vector<Case> cases = {
+        {"two calls", 2, 0, {}, "ICRICICRK", 0, 2020, 0},
+        {"none", 0, 0, {}, "ICRRK", 0, 0, 0},
+    };
+    runLoop(cases, [](int n, long long* clocks) {
+        return qdTimeLoopInit<EventClock, EventCheck>("func", n, clocks, init, call);
+    });
+}
+
+TEST(TimeStat, OneSpanPerCallUntilBothLimits)
+{
+    const std::vector<Case> cases = {
+        {"by count", 2, 0, {}, "RCRRRCRRCRK", 2, 20, 0},
+        {"by clocks", 1, 25, {}, "RCRRRCRRCRRCRK", 3, 30, 0},
+        {"clocks just reached", 1, 20, {}, "RCRRRCRRCRK", 2, 20, 0},
+        {"nothing wanted: the warm call and the fresh start", 0, 0, {}, "RCRRK", 0, 0, 0},
+        {"not even the warm call", -1, 0, {}, "K", -1, 0, 0},
+        {"warm call fails", 5, 100, {-9}, "RCRK", -1, 10, -9},
+        {"a later call fails and is not counted", 5, 100, {0, 0, -9}, "RCRRRCRRCRK", 1, 20, -9},
+        {"a warning survives clean calls", 2, 0, {3}, "RCRRRCRRCRK", 2, 20, 3},
+        {"the last warning", 3, 0, {3, 0, 5, 0}, "RCRRRCRRCRRCRK", 3, 30, 5},
+    };
+    runStat(cases, [](int* n, long long* clocks) {
+        return qdTimeStat<EventClock, EventCheck>("func", n, clocks, call);
+    });
+}
+
+TEST(TimeStat, InitStandsOutsideTheSpans)
+{
+    const std::vector<Case> cases = {
+        {"two calls", 2, 0, {}, "IRCRRIRCRIRCRK", 2, 20, 0},
+        {"init is no part of the clocks wanted", 0, 15, {}, "IRCRRIRCRIRCRK", 2, 20, 0},
+        {"warm call fails", 2, 0, {-9}, "IRCRK", -1, 10, -9},
+    };
+    runStat(cases, [](int* n, long long* clocks) {
+        return qdTimeStatInit<EventClock, EventCheck>("func", n, clocks, init, call);
+    });
+}
+
+// The real counter and the real status check, as the suites use them.
+TEST(TimeStat, RealClockCountsUp)
+{
+    int n = 3;
+    long long clocks = 2000;
+    EXPECT_EQ(qdTimeStat("func", &n, &clocks, [] { return 0; }), OK);
+    EXPECT_GE(n, 3);
+    EXPECT_GE(clocks, 2000);
+}
+
+} // namespace
