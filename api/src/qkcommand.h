@@ -1,5 +1,5 @@
-// Single-letter keys: a command line, a .cfg line, a compiled-in line or an @ file becomes a list of keys with their
-// arguments; qkOption is one row of the session's key table.
+// Single-letter keys: a command line, a .cfg line, a compiled-in line or an @ file becomes a list of keys
+// with their arguments; qkOption is one row of the session's key table.
 #ifndef QK_COMMAND_H
 #define QK_COMMAND_H
 
@@ -11,7 +11,8 @@ class qkSession;
 class qkCommandKey {
 public:
     bool getArg(char key, qkString& arg) const;
-    // `word` is the key with what is attached to it, `next` the candidate for its argument. False: no key string.
+    // `word` is the key with what is attached to it, `next` the candidate for its argument. False: no key
+    // string.
     bool setArg(const qkString& word, const qkString& next);
 
     char m_key = ' ';

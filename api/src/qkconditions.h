@@ -1,4 +1,5 @@
-// Which tests run: the conditions of the keys -f (function), -t (test) and -m (source file), joined by AND or OR.
+// Which tests run: the conditions of the keys -f (function), -t (test) and -m (source file), joined by AND or
+// OR.
 #ifndef QK_CONDITIONS_H
 #define QK_CONDITIONS_H
 
@@ -12,7 +13,10 @@ public:
     enum Class { byFunction = 0, byTest = 1, byFile = 2 };
     enum Kind { mustHold = 0, anyOf = 1, exact = 2 };
 
-    RunCondition(Class cls, Kind kind, const qkString& pattern) : m_kind(kind), m_class(cls), m_pattern(pattern) {}
+    RunCondition(Class cls, Kind kind, const qkString& pattern)
+        : m_kind(kind), m_class(cls), m_pattern(pattern)
+    {
+    }
     virtual ~RunCondition() = default;
     virtual bool tobeRun(const qkTest* test) const = 0;
 

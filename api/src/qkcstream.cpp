@@ -40,33 +40,6 @@ void excludeComma(char* text)
     }
 }
 
-// Sinks that others added may be gone by now; only those opened here are closed.
-qkCStream::~qkCStream()
-{
-    for (o_stream* sink : m_owned) delete sink;
-}
-
-bool qkCStream::addStream(const qkString& name, bool append)
-{
-    o_stream* sink = createOStream(name, append);
-    if (!sink) return false;
-    m_owned.append(sink);
-    addStream(*sink);
-    return true;
-}
-
-void qkCStream::flush()
-{
-    for (o_stream* sink : *this) {
-        if (sink->m_file) std::fflush(sink->m_file);
-    }
-}
-
-void qkCStream::close()
-{
-    for (o_stream* sink : *this) sink->close();
-}
-
 void qkCStream::setColm(int i, const qkString& cell)
 {
     if (i >= 0 && i < qkMaxColumns) m_colm[i] = cell;

@@ -20,15 +20,8 @@ bool getStoreNext(const qkColumnStore& store, qkColumnIterators& position, qkStr
 // Replaces each ',' by ';' in place: a cell is not escaped in any other way.
 void excludeComma(char* text);
 
-class qkCStream : public qkList<o_stream*> {
+class qkCStream : public qkSinkList {
 public:
-    ~qkCStream() override;
-
-    bool addStream(const qkString& name, bool append);
-    void addStream(o_stream& stream) { append(&stream); }
-    void flush();
-    void close();
-
     void setColm(int i, const qkString& cell);
     void setNextColm(const qkString& cell);
     bool getColm(int i, qkString& cell) const;
@@ -55,7 +48,6 @@ private:
     int m_identColms = 0;
     qkColumnStore m_identStore;
     qkColumnStore m_postponed;
-    qkList<o_stream*> m_owned;
 };
 
 // Next cell; "\n" is lineOut(0).

@@ -102,8 +102,10 @@ public:
     void merge(qkList& other, bool (*less)(T&, T&))
     {
         for (iterator i = begin(); i != end() && !other.empty();) {
-            if (less(*other.begin(), *i)) splice(i, other, other.begin());
-            else ++i;
+            if (less(*other.begin(), *i))
+                splice(i, other, other.begin());
+            else
+                ++i;
         }
         while (!other.empty()) splice(end(), other, other.begin());
     }
@@ -113,14 +115,18 @@ private:
     {
         node->next = before;
         node->prev = before->prev;
-        if (node->prev) node->prev->next = node;
-        else m_head = node;
+        if (node->prev)
+            node->prev->next = node;
+        else
+            m_head = node;
         before->prev = node;
     }
     void unlink(Node* node)
     {
-        if (node->prev) node->prev->next = node->next;
-        else m_head = node->next;
+        if (node->prev)
+            node->prev->next = node->next;
+        else
+            m_head = node->next;
         node->next->prev = node->prev;
     }
 

@@ -1,5 +1,5 @@
-// Tracked, aligned memory for test data. A block lies at an exact distance from a 64-byte boundary, remembers who
-// owns it, and all live blocks can be walked.
+// Tracked, aligned memory for test data. A block lies at an exact distance from a 64-byte boundary, remembers
+// who owns it, and all live blocks can be walked.
 #ifndef QK_MEM_H
 #define QK_MEM_H
 
@@ -36,13 +36,14 @@ public:
     iterator m_cursor; // the walk of qkMallocFirst and qkMallocNext
 };
 
-// Untracked. The second form: the result has distance `align` modulo 64 from a 64-byte boundary and lies at least
-// `shift` bytes behind the block's start; `base` is what qk_free takes. Null (both) without memory.
+// Untracked. The second form: the result has distance `align` modulo 64 from a 64-byte boundary and lies at
+// least `shift` bytes behind the block's start; `base` is what qk_free takes. Null (both) without memory.
 void* qk_malloc(int size);
 void* qk_malloc(void*& base, int size, int align, int shift);
 void qk_free(void* base);
 
-// Tracked. A failure is reported and answered with null. qkFree takes null and pointers that it does not know.
+// Tracked. A failure is reported and answered with null. qkFree takes null and pointers that it does not
+// know.
 void* qkMalloc(int size, int align, int shift, void* object);
 void* qkMalloc(void*& out, int size, int align, int shift);
 void qkFree(void* aligned);
@@ -53,8 +54,8 @@ void* qkMallocNext(int* size, void** object);
 // Forgets all blocks without freeing them: the end of the program.
 int qkFreeAll();
 
-// Mutual shift of successive vectors in bytes, and misalignment of a vector: 0..63 bytes or elements, of the first
-// vector of a parameter set alone (AlignSrc) or of all.
+// Mutual shift of successive vectors in bytes, and misalignment of a vector: 0..63 bytes or elements, of the
+// first vector of a parameter set alone (AlignSrc) or of all.
 int qkGetVectorShift();
 void qkSetVectorShift(int shift);
 int qkGetVectorAlign();

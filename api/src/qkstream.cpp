@@ -90,13 +90,12 @@ o_stream* createOStream(const qkString& name, bool append)
     return nullptr;
 }
 
-// Closes what this stream opened. Sinks of others may be gone by now.
-qkOStream::~qkOStream()
+qkSinkList::~qkSinkList()
 {
     for (o_stream* sink : m_owned) delete sink;
 }
 
-bool qkOStream::addStream(const qkString& name, bool append)
+bool qkSinkList::addStream(const qkString& name, bool append)
 {
     o_stream* sink = createOStream(name, append);
     if (!sink) return false;
@@ -134,14 +133,14 @@ void qkOStream::endMessageFlush()
     flush();
 }
 
-void qkOStream::flush()
+void qkSinkList::flush()
 {
     for (o_stream* sink : *this) {
         if (sink->m_file) std::fflush(sink->m_file);
     }
 }
 
-void qkOStream::close()
+void qkSinkList::close()
 {
     for (o_stream* sink : *this) sink->close();
 }

@@ -1,5 +1,6 @@
 // The text channel: file wrappers, the message stream g_ostrm filtered by level, and the tracing of calls.
-// The idiom everywhere is a level, the text, then END_MSG, chained:  g_ostrm << ERR << "-- No luck\n" << END_MSG;
+// The idiom everywhere is a level, the text, then END_MSG, chained:
+//     g_ostrm << ERR << "-- No luck\n" << END_MSG;
 #ifndef QK_STREAM_H
 #define QK_STREAM_H
 
@@ -24,9 +25,9 @@ enum MessageLevel {
 using OutputLevel = int;
 
 enum io_mode {
-    ioRead = 1,    // the path goes through qkSession::getInPath
-    ioWrite = 2,   // the path goes through qkSession::getOutPath
-    ioAppend = 4,  // with ioWrite: append
+    ioRead = 1,   // the path goes through qkSession::getInPath
+    ioWrite = 2,  // the path goes through qkSession::getOutPath
+    ioAppend = 4, // with ioWrite: append
     ioBinary = 8,
     ioRawPath = 256 // the path as it is
 };
@@ -71,36 +72,43 @@ bool getlinebuf(std::FILE* file, char* buf, int size, bool& eof);
 extern i_stream c_in;
 extern o_stream c_out;
 
-class qkOStream : public qkList<o_stream*> {
+// Where a stream writes to: any number of files, none of them meaning that all output is swallowed.
+class qkSinkList : public qkList<o_stream*> {
+public:
+    ~qkSinkList() override; // closes what addStream(name) opened; sinks of others may be gone by then
+
+    bool addStream(const qkString& name,
+                   bool append); // a resolved path; false, after a message, if it does not open
+    void addStream(o_stream& stream) { append(&stream); }
+    void flush();
+    void close(); // the sinks stay in the list
+
+private:
+    qkList<o_stream*> m_owned;
+};
+
+class qkOStream : public qkSinkList {
 public:
     explicit qkOStream(OutputLevel outLevel = 1, MessageLevel msgLevel = PERF)
         : m_outLevel(outLevel), m_msgLevel(msgLevel)
     {
     }
-    ~qkOStream() override;
-
-    bool addStream(const qkString& name, bool append);
-    void addStream(o_stream& stream) { append(&stream); }
     void setOutLevel(OutputLevel level) { m_outLevel = level; }
     OutputLevel outLevel() const { return m_outLevel; }
     void setMsgLevel(MessageLevel level);
     MessageLevel msgLevel() const { return m_msgLevel; }
     void restoreMsgLevel();
 
-    // False, and nothing changes, if the level as a number exceeds the mask as a number: a text that surely would
-    // not pass need not be formed. True does not promise that the mask lets it through.
+    // False, and nothing changes, if the level as a number exceeds the mask as a number: a text that surely
+    // would not pass need not be formed. True does not promise that the mask lets it through.
     bool beginMessage(MessageLevel level);
     void endMessage() { restoreMsgLevel(); }
     void endMessageFlush();
-
-    void flush();
-    void close();
 
 private:
     OutputLevel m_outLevel;
     MessageLevel m_msgLevel;
     qkList<MessageLevel> m_msgStack; // most recent first
-    qkList<o_stream*> m_owned;       // the sinks that addStream(name) made
 };
 
 qkOStream& operator<<(qkOStream& out, MessageLevel level);
@@ -113,16 +121,37 @@ qkOStream& tsOutTpl(qkOStream& out, const T& value)
     text << value;
     return out << text;
 }
-inline qkOStream& operator<<(qkOStream& out, const char* value) { return tsOutTpl(out, value); }
-inline qkOStream& operator<<(qkOStream& out, char value) { return tsOutTpl(out, value); }
-inline qkOStream& operator<<(qkOStream& out, unsigned char value) { return tsOutTpl(out, value); }
-inline qkOStream& operator<<(qkOStream& out, int value) { return tsOutTpl(out, value); }
-inline qkOStream& operator<<(qkOStream& out, unsigned value) { return tsOutTpl(out, value); }
-inline qkOStream& operator<<(qkOStream& out, long long value) { return tsOutTpl(out, value); }
-inline qkOStream& operator<<(qkOStream& out, double value) { return tsOutTpl(out, value); }
+inline qkOStream& operator<<(qkOStream& out, const char* value)
+{
+    return tsOutTpl(out, value);
+}
+inline qkOStream& operator<<(qkOStream& out, char value)
+{
+    return tsOutTpl(out, value);
+}
+inline qkOStream& operator<<(qkOStream& out, unsigned char value)
+{
+    return tsOutTpl(out, value);
+}
+inline qkOStream& operator<<(qkOStream& out, int value)
+{
+    return tsOutTpl(out, value);
+}
+inline qkOStream& operator<<(qkOStream& out, unsigned value)
+{
+    return tsOutTpl(out, value);
+}
+inline qkOStream& operator<<(qkOStream& out, long long value)
+{
+    return tsOutTpl(out, value);
+}
+inline qkOStream& operator<<(qkOStream& out, double value)
+{
+    return tsOutTpl(out, value);
+}
 
-// Open traced calls, most recent first. It serves too when no trace is printed: after an exception it tells which
-// hook of a test was running.
+// Open traced calls, most recent first. It serves too when no trace is printed: after an exception it tells
+// which hook of a test was running.
 class qkTrace : public qkList<qkString> {
 public:
     void traceIn(const qkString& name);

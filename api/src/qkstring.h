@@ -32,8 +32,8 @@ public:
     bool fail() const { return m_fail; }
     void setFail(bool fail) { m_fail = fail; }
 
-    // The buffer. getBufSize: bytes taken for a text of n, a multiple of 16. allocate: a zeroed text of length n
-    // that the caller fills. growBy keeps the text; resize cuts or fills.
+    // The buffer. getBufSize: bytes taken for a text of n, a multiple of 16. allocate: a zeroed text of
+    // length n that the caller fills. growBy keeps the text; resize cuts or fills.
     static int getBufSize(int n);
     void allocate(int n);
     void free();
@@ -61,15 +61,15 @@ public:
     qkString getFileDir() const;
     qkString getFileTitle() const;
 
-    // Words between separators (see qkParse). The forms with outputs fill them in order and return the number of
-    // words found, also if there are more than outputs.
+    // Words between separators (see qkParse). The forms with outputs fill them in order and return the number
+    // of words found, also if there are more than outputs.
     int parse(qkStringList& words, const qkString& separators) const;
     int parse(qkString& first, qkString& second, const qkString& separators) const;
     int parse(qkString& first, qkString& second, qkString& third, const qkString& separators) const;
 
-    // Names of values. A word fits a name if it is a beginning of it, or of what stands at `start` in it (behind a
-    // prefix common to the table), in any letter case. The first row that fits counts. Flags are joined with
-    // any of "|,; ". A word that fits nothing sets the fail mark of `text`.
+    // Names of values. A word fits a name if it is a beginning of it, or of what stands at `start` in it
+    // (behind a prefix common to the table), in any letter case. The first row that fits counts. Flags are
+    // joined with any of "|,; ". A word that fits nothing sets the fail mark of `text`.
     static bool fitString(const qkString& pattern, const qkString& name, int start);
     static int enumValue(qkString& text, const int* values, const char* const* names, int count, int start);
     static qkString enumString(int value, const int* values, const char* const* names, int count);

@@ -80,8 +80,8 @@ bool qkTest::guarded(Body body)
 }
 
 // What the exception cut short must not show in the next test: the level and the cells of an unfinished table
-// row, the raised priority. flushData and flushStart are passed over, since after a crash the test's data can't be
-// trusted.
+// row, the raised priority. flushData and flushStart are passed over, since after a crash the test's data
+// can't be trusted.
 void qkTest::putException(const qkException& exception)
 {
     m_currentResult = EXCPTFAIL;

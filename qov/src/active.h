@@ -3,9 +3,13 @@
 #define QOV_ACTIVE_H
 
 #include "kernels/jadd.h"
+#include "kernels/jdctfwd.h"
+#include "kernels/jdctinv.h"
+#include "kernels/jquant.h"
 
 // Every family once: F(x, name in the table, its struct).
-#define QOV_FAMILIES(F, x) F(x, add, AddKernels)
+#define QOV_FAMILIES(F, x)                                                                                   \
+    F(x, add, AddKernels) F(x, dctFwd, DctFwdKernels) F(x, dctInv, DctInvKernels) F(x, quant, QuantKernels)
 
 namespace qov {
 

@@ -6,7 +6,7 @@
 #include <string>
 
 #include "qklibenv.h"
-#include "support/level_capture.h"
+#include "support/capture.h"
 
 namespace {
 

@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "qkcommand.h"
-#include "support/level_capture.h"
+#include "support/capture.h"
 
 namespace {
 

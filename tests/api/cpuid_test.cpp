@@ -67,9 +67,9 @@ protected:
     }
     static std::string printed(void (*print)())
     {
-        Capture<qkOStream> capture(g_ostrm);
+        SinkText<qkOStream> capture(g_ostrm);
         print();
-        return capture.text();
+        return capture.take();
     }
 
 private:
@@ -451,9 +451,9 @@ TEST_F(Cpuid, informationTestsPrintAndSucceed)
         for (const OutputLevel level : {7, 1}) {
             g_ostrm.setOutLevel(level);
             qkTest::m_currentResult = UNDEFINED;
-            Capture<qkOStream> capture(g_ostrm);
+            SinkText<qkOStream> capture(g_ostrm);
             c.test.loopData();
-            EXPECT_EQ(capture.text(), level == 7 ? c.text : "") << c.name;
+            EXPECT_EQ(capture.take(), level == 7 ? c.text : "") << c.name;
             EXPECT_EQ(qkTest::m_currentResult, OK);
         }
     }

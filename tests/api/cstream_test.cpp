@@ -4,7 +4,7 @@
 
 #include <vector>
 
-#include "support/level_capture.h"
+#include "support/capture.h"
 #include "support/tempfile.h"
 
 namespace {

@@ -3,7 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "qkparm.h"
-#include "support/level_capture.h"
+#include "support/capture.h"
 #include "support/tempfile.h"
 
 namespace {

@@ -16,7 +16,7 @@
 #include "qksession.h"
 #include "qktest.h"
 #include "qktool.h"
-#include "support/level_capture.h"
+#include "support/capture.h"
 
 namespace {
 

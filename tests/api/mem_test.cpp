@@ -6,7 +6,7 @@
 #include <cstring>
 
 #include "qkmem.h"
-#include "support/level_capture.h"
+#include "support/capture.h"
 
 namespace {
 

@@ -4,7 +4,7 @@
 
 #include <cstdio>
 
-#include "support/level_capture.h"
+#include "support/capture.h"
 #include "support/tempfile.h"
 
 // Declared behind the templates that use them, as the data layer does it.

@@ -9,7 +9,7 @@
 #include "qkreadtiming.h"
 #include "qksession.h"
 #include "qktool.h"
-#include "support/level_capture.h"
+#include "support/capture.h"
 
 namespace {
 

@@ -86,9 +86,9 @@ std::string printed(Record& record, OutputLevel level = 1)
 {
     Stream stream;
     if constexpr (std::is_same_v<Stream, qkOStream>) stream.setOutLevel(level);
-    Capture<Stream> capture(stream);
+    SinkText<Stream> capture(stream);
     stream << record;
-    return capture.text();
+    return capture.take();
 }
 
 } // namespace

@@ -10,7 +10,7 @@
 
 #include "qksession.h"
 #include "qkstream.h"
-#include "support/level_capture.h"
+#include "support/capture.h"
 
 namespace {
 

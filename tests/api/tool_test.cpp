@@ -17,7 +17,7 @@
 #include "qkstream.h"
 #include "qktimcall.h"
 #include "qktool.h"
-#include "support/level_capture.h"
+#include "support/capture.h"
 
 namespace {
 

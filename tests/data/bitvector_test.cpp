@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include "support/level_capture.h"
+#include "support/capture.h"
 
 TEST(BitVector, BitsAreStoredFromTheHighest)
 {

@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-#include "support/level_capture.h"
+#include "support/capture.h"
 #include "support/md5.h"
 #include "support/shared_data.h"
 #include "support/tempfile.h"

@@ -9,7 +9,7 @@
 #include "fill_expected.h"
 #include "qkparm.h"
 #include "qktest.h"
-#include "support/level_capture.h"
+#include "support/capture.h"
 
 using std::string;
 

@@ -9,7 +9,7 @@
 #include "qkcacheiter.h"
 #include "qkcstream.h"
 #include "qklibenv.h"
-#include "support/level_capture.h"
+#include "support/capture.h"
 
 using std::string;
 

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <cstdlib>
 #include <cstring>
 #include <limits>
 #include <string>
@@ -10,7 +11,7 @@
 #include "fill_cases.h"
 #include "fill_expected.h"
 #include "qktest.h"
-#include "support/level_capture.h"
+#include "support/capture.h"
 
 using std::string;
 
@@ -346,6 +347,15 @@ TEST_F(Vector, NothingHappensWithoutDataOrType)
     undef.setVectorJaehne(bytes, 4, 0);
     EXPECT_EQ(string(bytes, 4), string(4, 9));
     EXPECT_EQ(qdVector::m_seed, 456u);
+}
+
+TEST_F(Vector, NumberOfTwoHalves)
+{
+    std::srand(5);
+    const double low = std::rand() & 0xFFFF;
+    const double high = std::rand() & 0xFFFF;
+    std::srand(5);
+    EXPECT_EQ(qdVector::rnd(), low + high * 65536);
 }
 
 // ---- Text

@@ -3,7 +3,6 @@
 #ifndef TESTS_SCRIPT_TEST_H
 #define TESTS_SCRIPT_TEST_H
 
-#include <cstdlib>
 #include <fstream>
 #include <functional>
 #include <map>
@@ -19,6 +18,7 @@
 #include "qkreg.h"
 #include "qksession.h"
 #include "qktest.h"
+#include "support/capture.h"
 
 using Strings = std::vector<std::string>;
 
@@ -92,42 +92,6 @@ private:
         if (step != m_script.end()) step->second();
         return m_refuses != name;
     }
-};
-
-// The text of a stream, in place of its own sinks.
-template <class Stream>
-class SinkText {
-public:
-    explicit SinkText(Stream& stream) : m_stream(stream), m_sink(open_memstream(&m_text, &m_size))
-    {
-        m_stream.swap(m_sinks);
-        m_stream.addStream(m_sink);
-    }
-    ~SinkText()
-    {
-        m_stream.swap(m_sinks);
-        m_sink.close();
-        std::free(m_text);
-    }
-    SinkText(const SinkText&) = delete;
-    SinkText& operator=(const SinkText&) = delete;
-
-    // What was written since the last call.
-    std::string take()
-    {
-        std::fflush(m_sink.m_file);
-        const std::string text(m_text + m_taken, m_size - m_taken);
-        m_taken = m_size;
-        return text;
-    }
-
-private:
-    Stream& m_stream;
-    qkList<o_stream*> m_sinks;
-    char* m_text = nullptr;
-    std::size_t m_size = 0;
-    std::size_t m_taken = 0;
-    o_stream m_sink;
 };
 
 class RunFixture : public testing::Test {
