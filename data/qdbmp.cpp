@@ -187,8 +187,10 @@ bool qdBmpFile::load(const qkString& name, int align)
     if (!file.isOpen()) return error("Open error");
     if (!readHeaders(file)) return false;
     const size_t colors = static_cast<size_t>(GetPaletteNum());
-    if (std::fread(m_palette, sizeof(qdBmpColor), colors, file.m_file) != colors) return error("Read error");
+    const bool whole = std::fread(m_palette, sizeof(qdBmpColor), colors, file.m_file) == colors;
+    // First what is wrong with the header: the palette is as long as the header has it.
     if (!CreateImage(align)) return false;
+    if (!whole) return error("Read error");
     if (std::fseek(file.m_file, static_cast<long>(m_fileHeader.bfOffBits), SEEK_SET) != 0)
         return error("Read error");
     return readData(file);

@@ -86,7 +86,7 @@ bool qdImage::createPlanes(int step, int h, int align, bool planeAlign)
 bool qdImage::createImage(int w, int h, int step, int align, bool planeAlign)
 {
     deleteVector();
-    if (w < 1 || h < 1) return memError(0);
+    if (w < 1 || h < 1 || m_type == qdUndef) return memError(0);
     const long long rowStep = step < rowBytes(w) ? defaultStep(w) : step;
     const long long planeBytes = rowStep > LLONG_MAX / h ? LLONG_MAX : rowStep * h;
     const long long bytes = planeBytes > INT_MAX || !planar() ? planeBytes : planeBytes * channels();

@@ -87,7 +87,8 @@ public:
 
     int m_width = 0; // pixels
     int m_height = 0;
-    int m_step = 0; // bytes from row to row
+    int m_step = 0;              // bytes from row to row
+    qdVector m_plane[maxPlanes]; // planar layout only
     void* m_planePtr[maxPlanes] = {};
 
     // m_planes_8u, ...: the planes as pointers to their elements; null for all types but the image's own. The
@@ -107,8 +108,6 @@ private:
     long long defaultStep(int w) const;
     int step() const;
     void setPlaneJaehne(void* p, int stride, double magn);
-
-    qdVector m_plane[maxPlanes]; // planar layout only
 };
 
 #endif

@@ -1,4 +1,4 @@
-// The two timed loops of the suites, once for all of them. `call` performs the measured call and answers its
+// The timed loops of the suites, once for all of them. `call` performs the measured call and answers its
 // status; `init`, where there is one, prepares what a call consumes. Between two counter reads stand only the
 // call and the loads of its arguments, and `init` where told. Clock and Check are parameters for tests.
 #ifndef QD_TIME_H

@@ -51,7 +51,8 @@ struct qkOption {
     qkString m_descr;
 };
 
-// Letter arguments: each letter of the text counts, anything else is passed over.
+// Letter arguments: each letter of the text counts, anything else is passed over. Of a priority the first
+// letter alone counts; 0: it is none.
 int getAskLevel(const qkString& arg);
 int getLevel(const qkString& arg);
 int getPriority(const qkString& arg);

@@ -11,7 +11,7 @@ int qkNominalFreqMHz(int measured);
 // second, so that the others are whole seconds; these count. Takes two to three seconds. Clock is a parameter
 // for tests.
 template <class Clock, class Now>
-int qkEstimateFreqMHz(Now now)
+int estimateCpuFreqMHz(Now now)
 {
     long long clocks = 0;
     for (int round = 0; round < 3; round++) {

@@ -84,14 +84,15 @@ CpuCache::CpuCache(unsigned index)
     inclusive = id.getBit(CPUID::EDX, 1);
 }
 
-long long CpuCache::sizeB() const
+// The widths of the fields, 10, 10, 12 and 32 bits, make 64 at most.
+unsigned long long CpuCache::sizeB() const
 {
-    return exists() ? static_cast<long long>(ways) * partitions * lineSize * sets : 0;
+    return exists() ? 1ULL * ways * partitions * lineSize * sets : 0;
 }
 
 int getCacheSizeB(unsigned index)
 {
-    const long long size = CpuCache(index).sizeB();
+    const unsigned long long size = CpuCache(index).sizeB();
     return size < INT_MAX ? static_cast<int>(size) : INT_MAX;
 }
 

@@ -36,7 +36,7 @@ qkString cpuBrand();  // empty if the processor does not tell
 struct CpuCache {
     explicit CpuCache(unsigned index);
     bool exists() const { return type != 0; }
-    long long sizeB() const;
+    unsigned long long sizeB() const;
 
     unsigned type = 0; // 1 data, 2 instructions, 3 both
     unsigned level = 0;

@@ -106,7 +106,7 @@ bool printCacheParms(unsigned index)
     putTitle("    Deterministic Cache Parameters\n");
     g_ostrm << "\n" << cacheTypeName(cache.type) << "\n";
     putCacheNumber("Cache Level", cache.level, "");
-    putCacheNumber("Cache Size Kb", cache.sizeB() / 1024, "");
+    putCacheNumber("Cache Size Kb", static_cast<long long>(cache.sizeB() / 1024), "");
     if (cache.fullyAssociative) g_ostrm << "Fully Associative cache\n";
     putCacheNumber("Associativity", cache.ways, " - Ways of associativity");
     putCacheNumber("Line Partitions", cache.partitions, " - Physical line partitions");

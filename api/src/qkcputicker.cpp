@@ -20,6 +20,6 @@ int qkNominalFreqMHz(int measured)
 
 int qkCpuTicker::getFreq()
 {
-    if (m_freqMHz == 0) m_freqMHz = qkEstimateFreqMHz<qkTscClock>([] { return std::time(nullptr); });
+    if (m_freqMHz == 0) m_freqMHz = estimateCpuFreqMHz<qkTscClock>([] { return std::time(nullptr); });
     return m_freqMHz;
 }

@@ -1,7 +1,5 @@
 #include "qkcstream.h"
 
-#include <cstdio>
-
 void clearStore(qkColumnStore& store)
 {
     for (qkStringList& column : store) column.erase(column.begin(), column.end());

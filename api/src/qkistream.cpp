@@ -26,7 +26,9 @@ bool qkIStream::setIniFile(const qkString& name, bool write)
     deleteIniFile();
     m_iniFile = new qkIniFile;
     m_iniWrite = write;
-    return m_iniFile->open(qkSession::getInPath(name), write);
+    const bool opened = m_iniFile->open(qkSession::getInPath(name), write);
+    if (!opened) deleteIniFile();
+    return opened;
 }
 
 void qkIStream::deleteIniFile()

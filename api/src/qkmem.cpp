@@ -108,6 +108,7 @@ void qkFree(void* aligned)
     if (found == pAddressList->end()) return;
     reportBlock(" - qkFree: ", *found);
     void* base = found->base;
+    if (pAddressList->m_cursor == found) ++pAddressList->m_cursor; // a walk goes on behind it
     pAddressList->erase(found);
     qk_free(base);
 }

@@ -121,8 +121,8 @@ protected:
 
     qkConditions* m_conditions = nullptr;
     qkList<qkOption*> m_options;
-    int m_askMode =
-        0; // asked on the console: 1 timing method, 2 common parameters, 4 misalignment, 8 each test's
+    // What is asked on the console: 1 timing method, 2 common parameters, 4 misalignment, 8 each test's.
+    int m_askMode = 0;
     bool m_batch = false;
     OutputLevel m_levelMode = 1; // of the console, from the first test on
     bool m_noSort = false;

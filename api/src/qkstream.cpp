@@ -2,6 +2,7 @@
 
 #include <cerrno>
 #include <cstring>
+#include <sys/stat.h>
 
 #include "qksession.h"
 
@@ -24,10 +25,21 @@ static qkString openMode(int mode)
     return qkString(access) + (mode & ioBinary ? "b" : "");
 }
 
+// A directory opens for reading as if it were an empty file.
+static std::FILE* openFile(const qkString& path, const qkString& mode)
+{
+    std::FILE* file = std::fopen(path.c_str(), mode.c_str());
+    struct stat status;
+    if (!file || fstat(fileno(file), &status) != 0 || !S_ISDIR(status.st_mode)) return file;
+    std::fclose(file);
+    errno = EISDIR;
+    return nullptr;
+}
+
 io_stream::io_stream(const qkString& name, int mode, bool warn) : m_file(nullptr)
 {
     const qkString path = resolvePath(name, mode);
-    m_file = std::fopen(path.c_str(), openMode(mode).c_str());
+    m_file = openFile(path, openMode(mode));
     if (m_file || !warn) return;
     const qkString reason = getLastErrorMessage();
     g_ostrm << ERR << "-- Can't open file " << path << (mode & ioRead ? " to read" : " to write") << ": "
@@ -69,9 +81,8 @@ bool i_stream::getline(qkString& line)
     bool eof = false;
     bool complete = false;
     while (!complete) {
-        piece[0] = '\0';
         complete = getlinebuf(m_file, piece, sizeof piece, eof);
-        line += piece;
+        if (!eof) line += piece; // after a read error the piece may lack its end
     }
     return !line.empty() || !eof;
 }

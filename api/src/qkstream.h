@@ -77,8 +77,8 @@ class qkSinkList : public qkList<o_stream*> {
 public:
     ~qkSinkList() override; // closes what addStream(name) opened; sinks of others may be gone by then
 
-    bool addStream(const qkString& name,
-                   bool append); // a resolved path; false, after a message, if it does not open
+    // `name` is a resolved path. False, after a message, if it does not open.
+    bool addStream(const qkString& name, bool append);
     void addStream(o_stream& stream) { append(&stream); }
     void flush();
     void close(); // the sinks stay in the list

@@ -121,6 +121,7 @@ public:
 
     void initParse(const qkString& separators);
     bool nextWord(qkString& word);
+    using qkString::parse;
     int parse(qkStringList& words, const qkString& separators);
 
 private:

@@ -10,8 +10,9 @@
 
 namespace {
 
-// The out level of g_ostrm that an exception puts back: hooks and timing may have been left with another one.
+// The levels of g_ostrm that an exception puts back: hooks and timing may have been left with other ones.
 OutputLevel OldOutLevel = 1;
+MessageLevel OldMsgLevel = PERF;
 
 void putBack(qkParameter& parm, const qkString& text)
 {
@@ -58,6 +59,7 @@ qkResult qkTest::run()
     CommonValues common;
     bool leftOut = false;
     OldOutLevel = g_ostrm.outLevel();
+    OldMsgLevel = g_ostrm.msgLevel();
     m_startTime = std::time(nullptr);
     guarded([&] { leftOut = !runHooks(common); });
     if (leftOut) return UNDEFINED;
@@ -79,15 +81,17 @@ bool qkTest::guarded(Body body)
     }
 }
 
-// What the exception cut short must not show in the next test: the level and the cells of an unfinished table
-// row, the raised priority. flushData and flushStart are passed over, since after a crash the test's data
-// can't be trusted.
+// What the exception cut short must not show in the next test: the levels, the cells of an unfinished table
+// row, the rows held back, the raised priority. flushData and flushStart are passed over, since after a crash
+// the test's data can't be trusted.
 void qkTest::putException(const qkException& exception)
 {
     m_currentResult = EXCPTFAIL;
     qkResetPriority();
     g_ostrm.setOutLevel(OldOutLevel);
+    g_ostrm.setMsgLevel(OldMsgLevel);
     g_cstrm.tableFlush();
+    g_cstrm.linePostponeOut(m_numResultColm + m_numParmsColm);
     g_ostrm << ERR << exception.msg() << " in " << g_trace.getCurName() << "\n" << END_MSG;
 }
 
@@ -189,6 +193,8 @@ void qkTest::loopData()
 {
     bool firstSet = true;
     m_firstData = true;
+    // A crash of another test may have left a shared parameter with its old spelling.
+    setDeprecatedFlag(false);
     m_traceLine = g_trace.m_lastLine;
     g_cstrm.identicalLinesStart(m_numParmsColm);
     do {

@@ -1,6 +1,7 @@
 // What a test writes about itself: the console lines of a parameter set, the rows of the tables and the
 // numbers in them.
 #include "qkcacheiter.h"
+#include "qkexception.h"
 #include "qkformat.h"
 #include "qksession.h"
 #include "qktest.h"
@@ -83,6 +84,19 @@ void qkTest::putTableResult_Deprecated(qkResult result)
     setDeprecatedFlag(false);
 }
 
+namespace {
+
+// What is written to g_cstrm in the scope goes to the name table.
+class NameTableSinks {
+public:
+    NameTableSinks() { g_cstrm.swap(g_qstrm); }
+    ~NameTableSinks() { g_cstrm.swap(g_qstrm); }
+    NameTableSinks(const NameTableSinks&) = delete;
+    NameTableSinks& operator=(const NameTableSinks&) = delete;
+};
+
+} // namespace
+
 void qkTest::putTableName()
 {
     constexpr int intoTable = 1;
@@ -90,9 +104,9 @@ void qkTest::putTableName()
     if (m_name.startsWith("__qk")) return;
     if (qkSession::m_nameMode & intoTable) putTableNameLine();
     if (qkSession::m_nameMode & intoFile) {
-        g_cstrm.swap(g_qstrm);
-        putTableNameLine();
-        g_cstrm.swap(g_qstrm);
+        const NameTableSinks exchanged;
+        // A guard of its own turns a signal into an exception before it passes the exchange.
+        qkGuardSignals([this] { putTableNameLine(); });
     }
 }
 

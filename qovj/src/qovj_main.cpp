@@ -2,6 +2,7 @@
 #include "qovj_main.h"
 
 #include <climits>
+#include <cstddef>
 #include <initializer_list>
 
 #include "qovjsuite.h"
@@ -75,6 +76,36 @@ void qdjJaehne(qdVector& vector, double amplitude)
         vector.setJaehne();
     else
         vector.setJaehne(amplitude);
+}
+
+// Calls `block(pixels, coefficients)` for each whole block; 0 after the first status of the error class.
+template <class Block>
+static int forEachBlock(const Qov8u* src, int step, QoviSize size, Qov16s* dst, const char* name, Block block)
+{
+    for (int y = 0; y < size.height - 7; y += 8) {
+        for (int x = 0; x < size.width - 7; x += 8, dst += 64) {
+            const QovStatus status = block(src + x + static_cast<ptrdiff_t>(y) * step, dst);
+            if (qkIsError(qdTest::checkStatus(status, name))) return 0;
+        }
+    }
+    return 1;
+}
+
+int qdjDCTFwd(const Qov8u* src, int step, QoviSize size, Qov16s* dst)
+{
+    return forEachBlock(
+        src, step, size, dst, "qoviDCT8x8Fwd_8u16s_C1R",
+        [step](const Qov8u* pixels, Qov16s* coefs) { return qoviDCT8x8Fwd_8u16s_C1R(pixels, step, coefs); });
+}
+
+int qdjDCTQuantFwd(const Qov8u* src, int step, QoviSize size, Qov16s* dst)
+{
+    Qov16u table[256];
+    for (Qov16u& entry : table) entry = 100;
+    return forEachBlock(src, step, size, dst, "qoviDCTQuantFwd8x8LS_JPEG_8u16s_C1R",
+                        [step, &table](const Qov8u* pixels, Qov16s* coefs) {
+                            return qoviDCTQuantFwd8x8LS_JPEG_8u16s_C1R(pixels, step, coefs, table);
+                        });
 }
 
 qkString& operator<<(qkString& text, QoviWTFilterFirst value)

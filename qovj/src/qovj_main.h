@@ -22,6 +22,11 @@ int qdjCount(long long count);
 void qdjJaehne(qdImage& image);
 void qdjJaehne(qdVector& vector, double amplitude);
 
+// Forward DCT of each whole 8x8 block of an image into `dst`, 64 coefficients a block; the second form shifts
+// the level and quantises by steps of 100 as well. 1, or 0 after a reported error.
+int qdjDCTFwd(const Qov8u* src, int step, QoviSize size, Qov16s* dst);
+int qdjDCTQuantFwd(const Qov8u* src, int step, QoviSize size, Qov16s* dst);
+
 // Text forms of the order of filters of a wavelet row.
 qkString& operator<<(qkString& text, QoviWTFilterFirst value);
 void operator<<(QoviWTFilterFirst& value, qkString& text);

@@ -141,6 +141,9 @@ TEST_F(Cpuid, largestCacheOfLeaf4UnlessTheLibraryKnows)
     processor[{4, 2}] = cacheRegs(3, 3, 1024, 1024, 65536, 1, false, false);
     makeUp(processor);
     EXPECT_EQ(getMaxCacheSizeB(), INT_MAX);
+    processor[{4, 2}] = {3, ~0u, ~1u, 0}; // the largest that the fields can tell, close to 2^64
+    makeUp(processor);
+    EXPECT_EQ(getMaxCacheSizeB(), INT_MAX);
     processor[{0, 0}][0] = 3; // the leaf is not there
     makeUp(processor);
     EXPECT_EQ(getMaxCacheSizeB(), 0);

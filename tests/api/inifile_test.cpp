@@ -134,6 +134,7 @@ TEST(IniFile, MissingFiles)
     EXPECT_EQ(console.take().rfind("-- Can't open file /no/such/directory/x.ini to write", 0), 0u);
     ini.close();
     EXPECT_EQ(console.take(), "") << "what did not open is not written";
+    EXPECT_FALSE(ini.open("/tmp", true)) << "a directory can't be updated";
 }
 
 TEST(DataList, KeepsTheLastOfEachName)

@@ -139,6 +139,7 @@ TEST(IStream, ANewIniFileWritesTheOldOne)
     EXPECT_EQ(first.read(), "\n[Quolkit]\nk=1\n");
     LevelCapture console(g_ostrm);
     EXPECT_FALSE(in.setIniFile("/no/such/directory/x.ini", false));
+    EXPECT_EQ(in.iniFile(), nullptr) << "a file that is not there has no sections either";
     EXPECT_STREQ(in.getItemValue("k", "default", "", "").c_str(), "default");
 }
 

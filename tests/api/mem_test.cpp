@@ -108,8 +108,11 @@ TEST(Mem, LiveBlocksCanBeWalkedAndLookedUp)
     EXPECT_EQ(static_cast<qkObject*>(object)->objectSize(), 5);
     EXPECT_EQ(qkMallocFirst(nullptr, nullptr), a);
     EXPECT_EQ(qkMallocNext(nullptr, nullptr), c);
-    qkFree(a);
+    // Freeing the block that a walk would reach next does not break the walk.
+    EXPECT_EQ(qkMallocFirst(nullptr, nullptr), a);
     qkFree(c);
+    EXPECT_EQ(qkMallocNext(nullptr, nullptr), nullptr);
+    qkFree(a);
     EXPECT_EQ(qkMallocFirst(nullptr, nullptr), nullptr);
     EXPECT_NE(MEM_OBJECT_IS_BUFFER, MEM_OBJECT_IS_SUBOBJECT);
 }

@@ -1,7 +1,9 @@
 // The text channel: levels, files, lines and the trace.
 #include <gtest/gtest.h>
 
+#include <cerrno>
 #include <cstdlib>
+#include <cstring>
 #include <filesystem>
 #include <fstream>
 #include <sstream>
@@ -150,6 +152,10 @@ TEST_F(StreamTest, AFileThatDoesNotOpenIsReported)
     text = console.take();
     EXPECT_EQ(text.find(start + "read: "), 0u) << text;
 
+    i_stream folder(m_dir.c_str(), ioRead | ioRawPath, true);
+    EXPECT_FALSE(folder.isOpen()) << "a directory is no empty file";
+    EXPECT_EQ(console.take().find("-- Can't open file " + m_dir), 0u);
+
     i_stream silent(path("none/a.txt"), ioRead | ioRawPath, false);
     EXPECT_EQ(console.take(), "");
     qkString line("old");
@@ -203,6 +209,28 @@ TEST_F(StreamTest, LinesOfAnyLength)
         EXPECT_FALSE(in.getline(line));
         EXPECT_TRUE(line.empty());
     }
+}
+
+// A disk that fails within a line: what was read of the line has no end that could be trusted.
+TEST_F(StreamTest, AReadErrorEndsTheInput)
+{
+    const auto readOnce = [](void* cookie, char* buf, size_t) -> ssize_t {
+        bool& done = *static_cast<bool*>(cookie);
+        if (done) {
+            errno = EIO;
+            return -1;
+        }
+        done = true;
+        std::memcpy(buf, "whole\npart", 10);
+        return 10;
+    };
+    bool done = false;
+    i_stream in(fopencookie(&done, "r", {readOnce, nullptr, nullptr, nullptr}));
+    qkString line;
+    EXPECT_TRUE(in.getline(line));
+    EXPECT_STREQ(line.c_str(), "whole");
+    EXPECT_FALSE(in.getline(line));
+    EXPECT_STREQ(line.c_str(), "");
 }
 
 TEST_F(StreamTest, TraceLinesComeInPairsOfEqualDepth)

@@ -331,6 +331,8 @@ TEST(Parse, OutputsAreFilledAsFarAsWordsGo)
     EXPECT_EQ(str(a) + "," + str(b) + "," + str(c), "8,16,");
     EXPECT_EQ(a.parse(a, b, "x"), 1); // the text may be one of its outputs
     EXPECT_EQ(str(a) + "," + str(b), "8,");
+    EXPECT_EQ(qkParse("1;2").parse(a, b, ";"), 2);
+    EXPECT_EQ(str(a) + "," + str(b), "1,2");
 }
 
 TEST(Format, FieldsArePaddedAndNeverCut)

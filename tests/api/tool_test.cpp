@@ -610,7 +610,7 @@ TEST(CpuFrequency, CountsTwoWholeSeconds)
 {
     s_now = 1650;
     const auto now = [] { return static_cast<std::time_t>(++s_now / 1000); };
-    EXPECT_NEAR(qkEstimateFreqMHz<SecondClock>(now), 4000, 10);
+    EXPECT_NEAR(estimateCpuFreqMHz<SecondClock>(now), 4000, 10);
     EXPECT_EQ(s_now / 1000, 4);
 }
 

@@ -153,6 +153,7 @@ TEST(Bmp, RefusedFiles)
         {{.width = -1, .palette = string(1024, 'x')}, "Bitmap header is corrupted: biWidth is invalid\n"},
         {{.height = -64, .palette = string(1024, 'x')}, "Bitmap header is corrupted: biHeight is invalid\n"},
         {{.bits = 2, .palette = string(16, 'x')}, "Bitmap header is corrupted: biBitCount is invalid\n"},
+        {{.bits = 5}, "Bitmap header is corrupted: biBitCount is invalid\n"}, // nor is there a palette
         {{.bits = 24, .planes = 3}, "Bitmap header is corrupted: biPlanes is invalid\n"},
         {{.width = 0, .height = 0, .bits = 5, .planes = 0, .compression = 3}, "Compression is not valid\n"},
         {{.palette = string(100, 'x')}, "Read error\n"},

@@ -166,6 +166,7 @@ TEST_F(Image, RefusesWhatCannotBeAllocated)
         bool planar;
         int w, h;
         const char* bytes;
+        int step = -1;
     } const cases[] = {
         {qd8u, 1, false, 0, 5, "0"},
         {qd8u, 1, false, 5, 0, "0"},
@@ -174,11 +175,12 @@ TEST_F(Image, RefusesWhatCannotBeAllocated)
         {qd8u, 3, true, 30000, 30000, "2700000000"}, // each plane would do
         {qd64fc, 4, false, 0x7FFFFFFF, 0x7FFFFFFF, "9223372036854775807"},
         {qdUndef, 1, false, 8, 8, "0"},
+        {qdUndef, 2, true, 8, 8, "0", 16},
     };
     for (const auto& c : cases) {
         LevelCapture out(g_ostrm);
         qdImage image(c.type, c.channels, c.planar);
-        EXPECT_FALSE(image.createImage(c.w, c.h));
+        EXPECT_FALSE(image.createImage(c.w, c.h, c.step));
         EXPECT_EQ(out.take(), string("-- Memory error: can't allocate ") + c.bytes + " bytes\n");
         EXPECT_EQ(image.m_width, 0);
     }

@@ -6,11 +6,13 @@
 #include <string>
 #include <vector>
 
-#include "qdtime.h"
+#include "qd_reg.h"
+#include "qkreg.h"
+#include "qktest.h"
 
 namespace {
 
-std::string s_events; // R counter read, C call, I init, K status check
+std::string s_events; // R counter read, C call, I init, S set-up, K status check
 long long s_now;
 std::vector<int> s_statuses; // of the calls in turn, then 0
 size_t s_calls;
@@ -156,6 +158,149 @@ TEST(TimeStat, InitStandsOutsideTheSpans)
     runStat(cases, [](int* n, long long* clocks) {
         return qdTimeStatInit<EventClock, EventCheck>("func", n, clocks, init, call);
     });
+}
+
+// Times itself: the set-up stands outside of the span, and may fail before it begins.
+template <class Ticks>
+int selfTimed(Ticks& ticks)
+{
+    s_events += 'S';
+    s_now += 1000;
+    if (s_calls < s_statuses.size() && s_statuses[s_calls] == -2) return -2;
+    ticks.resume();
+    ticks.begin();
+    const int status = call();
+    ticks.end();
+    return status;
+}
+
+// The read behind the first pass is the record being closed; the next pass starts a fresh sum. Without a next
+// pass the first one's time is all there is.
+TEST(TimeLoopTicks, WarmPassIsDropped)
+{
+    const std::vector<Case> cases = {
+        {"three passes", 3, 7777, {}, "SRCRRSRCRSRCRSRCRK", 0, 30, 0},
+        {"the warm pass alone", 0, 7777, {}, "SRCRRK", 0, 10, 0},
+        {"nothing", -1, 7777, {}, "K", 0, 0, 0},
+        {"a warning survives clean passes", 2, 0, {3, 0, 5, 0}, "SRCRRSRCRSRCRK", 0, 20, 5},
+        {"a negative status ends it", 5, 0, {0, 4, -7, 0}, "SRCRRSRCRSRCRK", 0, 20, -7},
+        {"warm pass fails", 5, 0, {-7}, "SRCRK", 0, 10, -7},
+        {"set-up of the warm pass fails", 5, 7777, {-2}, "SK", 0, 0, -2},
+        {"set-up of a later pass fails", 5, 0, {0, 0, -2}, "SRCRRSRCRSK", 0, 10, -2},
+    };
+    runLoop(cases, [](int n, long long* clocks) {
+        const qkTickRecord<EventClock> ticks;
+        return qdTimeLoopTicks<EventCheck>("func", n, clocks, ticks, selfTimed<qkTickRecord<EventClock>>);
+    });
+}
+
+TEST(TimeStatTicks, UntilBothLimits)
+{
+    const std::vector<Case> cases = {
+        {"by count", 2, 0, {}, "SRCRRSRCRSRCRK", 2, 20, 0},
+        {"by clocks", 1, 25, {}, "SRCRRSRCRSRCRSRCRK", 3, 30, 0},
+        {"clocks just reached", 1, 20, {}, "SRCRRSRCRSRCRK", 2, 20, 0},
+        {"the warm pass's time is no part of the sum", 0, 15, {}, "SRCRRSRCRSRCRK", 2, 20, 0},
+        {"the warm pass alone", 0, 0, {}, "SRCRRK", 0, 10, 0},
+        {"not even the warm pass", -1, 0, {}, "K", -1, 0, 0},
+        {"warm pass fails", 5, 100, {-7}, "SRCRK", -1, 10, -7},
+        {"a later pass fails and is not counted", 5, 100, {0, 0, -7}, "SRCRRSRCRSRCRK", 1, 20, -7},
+        {"set-up fails", 5, 100, {0, 0, -2}, "SRCRRSRCRSK", 1, 10, -2},
+        {"the last warning", 3, 0, {3, 0, 5, 0}, "SRCRRSRCRSRCRSRCRK", 3, 30, 5},
+    };
+    runStat(cases, [](int* n, long long* clocks) {
+        const qkTickRecord<EventClock> ticks;
+        return qdTimeStatTicks<EventCheck>("func", n, clocks, ticks, selfTimed<qkTickRecord<EventClock>>);
+    });
+}
+
+// ---- The six forms of registration, on the real clock
+
+class Suite : public qdTest {
+public:
+    using qdTest::m_funcCall;
+    using qdTest::m_funcInit;
+    using qdTest::m_funcLoop;
+    using qdTest::m_funcStat;
+    using qdTest::qdTest;
+};
+
+int primitive(int value)
+{
+    return call() + value;
+}
+int primitiveI(int value)
+{
+    return call() + value;
+}
+int primitiveIbs(int value)
+{
+    return call() + value;
+}
+
+int s_argument;
+QD_REG(Suite, primitive, s_argument);
+QD_REG_X(Suite, primitiveX, call);
+QD_REG_I(Suite, primitiveI, init, s_argument);
+QD_REG_I_X(Suite, primitiveIX, init, call);
+QD_REG_Ibs(Suite, primitiveIbs, init, s_argument);
+QD_REG_T(Suite, primitiveT, selfTimed<qdTicks>);
+
+// What each form calls for two measured calls behind a warm one, and that the tests stand in the order of
+// their blocks.
+TEST(Registration, FormsCallAndInit)
+{
+    const struct {
+        const char *name, *macro;
+        bool hasCall, hasInit;
+        const char *loop, *stat;
+    } forms[] = {
+        {"primitive", "QD_REG", true, false, "CCC", "CCC"},
+        {"primitiveX", "QD_REG_X", true, false, "CCC", "CCC"},
+        {"primitiveI", "QD_REG_I", true, true, "ICICIC", "ICICIC"},
+        {"primitiveIX", "QD_REG_I_X", true, true, "ICICIC", "ICICIC"},
+        {"primitiveIbs", "QD_REG_Ibs", true, true, "CCC", "ICICIC"},
+        {"primitiveT", "QD_REG_T", false, false, "SCSCSC", "SCSCSC"},
+    };
+    ASSERT_NE(pTestList, nullptr);
+    auto entry = pTestList->begin();
+    for (const auto& form : forms) {
+        SCOPED_TRACE(form.name);
+        ASSERT_NE(entry, pTestList->end());
+        const auto* test = dynamic_cast<const Suite*>(*entry);
+        ++entry;
+        ASSERT_NE(test, nullptr);
+        EXPECT_STREQ(test->name().c_str(), form.name);
+        EXPECT_STREQ(test->fileName().c_str(), "time_test");
+        EXPECT_STREQ(test->info().m_class.c_str(), "Suite");
+        EXPECT_STREQ(test->info().m_description.c_str(), "");
+        EXPECT_STREQ(test->info().m_macro.c_str(), form.macro);
+
+        start({});
+        int n = 2;
+        long long clocks = 0;
+        EXPECT_EQ(test->m_funcLoop(n, &clocks), OK);
+        EXPECT_EQ(s_events, form.loop);
+        start({});
+        clocks = 0;
+        EXPECT_EQ(test->m_funcStat(&n, &clocks), OK);
+        EXPECT_EQ(s_events, form.stat);
+        EXPECT_EQ(n, 2);
+        EXPECT_GT(clocks, 0);
+
+        start({});
+        ASSERT_EQ(test->m_funcCall != nullptr, form.hasCall);
+        ASSERT_EQ(test->m_funcInit != nullptr, form.hasInit);
+        if (form.hasInit) {
+            EXPECT_EQ(test->m_funcInit(), 0);
+        }
+        s_statuses = {5};
+        if (form.hasCall) {
+            EXPECT_EQ(test->m_funcCall(), 5);
+        }
+        EXPECT_EQ(s_events, std::string(form.hasInit ? "I" : "") + (form.hasCall ? "C" : ""));
+    }
+    EXPECT_EQ(entry, pTestList->end());
 }
 
 // The real counter and the real status check, as the suites use them.

@@ -1,0 +1,16 @@
+# qov_list_functions(file): writes the names of the primitives that the library's headers declare, as C strings. A
+# change of the headers configures again.
+function(qov_list_functions file)
+  get_target_property(folder qov_types INTERFACE_INCLUDE_DIRECTORIES)
+  set(text "")
+  foreach(header qovi.h qovs.h)
+    set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS ${folder}/${header})
+    file(STRINGS ${folder}/${header} lines REGEX "^QOV_API QovStatus qov[is][A-Za-z0-9_]+\\(")
+    foreach(line IN LISTS lines)
+      if(line MATCHES "^QOV_API QovStatus (qov[is][A-Za-z0-9_]+)")
+        string(APPEND text "\"${CMAKE_MATCH_1}\",\n")
+      endif()
+    endforeach()
+  endforeach()
+  file(CONFIGURE OUTPUT ${file} CONTENT "${text}" @ONLY)
+endfunction()
