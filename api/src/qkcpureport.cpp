@@ -6,10 +6,19 @@
 
 static const unsigned l2Leaf = 0x80000006u;
 
-// Mnemonics of the bits of the library's feature mask, from bit 0 up.
-static const char* const qovFeatures[] = {
-    "SSE3",  "SSSE3", "SSE4.1", "SSE4.2", "POPCNT",  "CX16",     "AVX",      "F16C",     "FMA",     "MOVBE",
-    "LZCNT", "BMI1",  "BMI2",   "AVX2",   "AVX512F", "AVX512BW", "AVX512CD", "AVX512DQ", "AVX512VL"};
+// The bits of the library's feature mask.
+static const struct {
+    Qov64u bit;
+    const char* mnemonic;
+} qovFeatures[] = {
+    {QOV_CPU_SSE3, "SSE3"},         {QOV_CPU_SSSE3, "SSSE3"},       {QOV_CPU_SSE41, "SSE4.1"},
+    {QOV_CPU_SSE42, "SSE4.2"},      {QOV_CPU_POPCNT, "POPCNT"},     {QOV_CPU_CX16, "CX16"},
+    {QOV_CPU_AVX, "AVX"},           {QOV_CPU_F16C, "F16C"},         {QOV_CPU_FMA, "FMA"},
+    {QOV_CPU_MOVBE, "MOVBE"},       {QOV_CPU_LZCNT, "LZCNT"},       {QOV_CPU_BMI1, "BMI1"},
+    {QOV_CPU_BMI2, "BMI2"},         {QOV_CPU_AVX2, "AVX2"},         {QOV_CPU_AVX512F, "AVX512F"},
+    {QOV_CPU_AVX512BW, "AVX512BW"}, {QOV_CPU_AVX512CD, "AVX512CD"}, {QOV_CPU_AVX512DQ, "AVX512DQ"},
+    {QOV_CPU_AVX512VL, "AVX512VL"}, {QOV_CPU_LAHF, "LAHF"},
+};
 
 static const int descriptionWidth = -48;
 
@@ -179,10 +188,8 @@ void printQovFeaturues()
     const Qov64u enabled = qov_GetEnabledCpuFeatures ? qov_GetEnabledCpuFeatures() : 0;
     putTitle("    Selected Feature Flags\n\n");
     g_ostrm << sFormat("Features", descriptionWidth) << "Info\n";
-    Qov64u mask = 1;
-    for (const char* mnemonic : qovFeatures) {
-        const FeatureFlag* flag = findFlagInfo(mnemonic, FeatureFlags, numFeatureFlags);
-        printMaskFlag(flag->description, supported & mask, enabled & mask);
-        mask <<= 1;
+    for (const auto& feature : qovFeatures) {
+        const FeatureFlag* flag = findFlagInfo(feature.mnemonic, FeatureFlags, numFeatureFlags);
+        printMaskFlag(flag->description, supported & feature.bit, enabled & feature.bit);
     }
 }

@@ -19,30 +19,8 @@ QOV_API QovCpuType qovGetCpuType(void);
 // The level whose kernels are active now.
 QOV_API QovCpuType qovGetEnabledCpuType(void);
 
-// Bits QOV_CPU_... that the processor has (the operating system's consent included), and those that the
-// active level's kernels were allowed to use.
-enum {
-    QOV_CPU_SSE3 = 1 << 0,
-    QOV_CPU_SSSE3 = 1 << 1,
-    QOV_CPU_SSE41 = 1 << 2,
-    QOV_CPU_SSE42 = 1 << 3,
-    QOV_CPU_POPCNT = 1 << 4,
-    QOV_CPU_CX16 = 1 << 5,
-    QOV_CPU_AVX = 1 << 6,
-    QOV_CPU_F16C = 1 << 7,
-    QOV_CPU_FMA = 1 << 8,
-    QOV_CPU_MOVBE = 1 << 9,
-    QOV_CPU_LZCNT = 1 << 10,
-    QOV_CPU_BMI1 = 1 << 11,
-    QOV_CPU_BMI2 = 1 << 12,
-    QOV_CPU_AVX2 = 1 << 13,
-    QOV_CPU_AVX512F = 1 << 14,
-    QOV_CPU_AVX512BW = 1 << 15,
-    QOV_CPU_AVX512CD = 1 << 16,
-    QOV_CPU_AVX512DQ = 1 << 17,
-    QOV_CPU_AVX512VL = 1 << 18,
-    QOV_CPU_LAHF = 1 << 19
-};
+// Bits QOV_CPU_... of the features that the processor has (the operating system's consent included), and of
+// those that the active level's kernels were allowed to use.
 QOV_API QovStatus qovGetCpuFeatures(Qov64u* pFeatures);
 QOV_API Qov64u qovGetEnabledCpuFeatures(void);
 

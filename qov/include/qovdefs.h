@@ -82,6 +82,30 @@ typedef enum QOV_IN_INT {
     qovCpuV4 = 4  // AVX-512 F, BW, CD, DQ, VL
 } QovCpuType;
 
+// Processor features that a level's kernels may use.
+enum {
+    QOV_CPU_SSE3 = 1 << 0,
+    QOV_CPU_SSSE3 = 1 << 1,
+    QOV_CPU_SSE41 = 1 << 2,
+    QOV_CPU_SSE42 = 1 << 3,
+    QOV_CPU_POPCNT = 1 << 4,
+    QOV_CPU_CX16 = 1 << 5,
+    QOV_CPU_AVX = 1 << 6,
+    QOV_CPU_F16C = 1 << 7,
+    QOV_CPU_FMA = 1 << 8,
+    QOV_CPU_MOVBE = 1 << 9,
+    QOV_CPU_LZCNT = 1 << 10,
+    QOV_CPU_BMI1 = 1 << 11,
+    QOV_CPU_BMI2 = 1 << 12,
+    QOV_CPU_AVX2 = 1 << 13,
+    QOV_CPU_AVX512F = 1 << 14,
+    QOV_CPU_AVX512BW = 1 << 15,
+    QOV_CPU_AVX512CD = 1 << 16,
+    QOV_CPU_AVX512DQ = 1 << 17,
+    QOV_CPU_AVX512VL = 1 << 18,
+    QOV_CPU_LAHF = 1 << 19
+};
+
 // Which filter output comes first in a row of a wavelet transform.
 typedef enum QOV_IN_INT { qoviWTFilterFirstLow = 0, qoviWTFilterFirstHigh = 1 } QoviWTFilterFirst;
 typedef enum QOV_IN_INT { qovRndZero = 0, qovRndNear = 1 } QovRoundMode;

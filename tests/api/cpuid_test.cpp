@@ -369,7 +369,7 @@ TEST_F(Cpuid, featuresOfTheLibrary)
         {QOV_CPU_FMA, "FMA"}, {QOV_CPU_MOVBE, "MOVBE"}, {QOV_CPU_LZCNT, "LZCNT"}, {QOV_CPU_BMI1, "BMI1"},
         {QOV_CPU_BMI2, "BMI2"}, {QOV_CPU_AVX2, "AVX2"}, {QOV_CPU_AVX512F, "AVX512F"},
         {QOV_CPU_AVX512BW, "AVX512BW"}, {QOV_CPU_AVX512CD, "AVX512CD"}, {QOV_CPU_AVX512DQ, "AVX512DQ"},
-        {QOV_CPU_AVX512VL, "AVX512VL"}};
+        {QOV_CPU_AVX512VL, "AVX512VL"}, {QOV_CPU_LAHF, "LAHF"}};
     // clang-format on
     const std::string head =
         equals + "    Selected Feature Flags\n\nFeatures" + std::string(40, ' ') + "Info\n";

@@ -1,4 +1,540 @@
-// Forward and inverse DCT with quantisation: each level against a transform in double precision, and against
-// the plain level byte for byte.
+// The 8x8 transforms with level shift and quantisation: accuracy against double precision, equal bytes at all
+// levels.
+#include "dct_reference.h"
 #include "qov_testing.h"
 #include "qovi.h"
+
+#include <xmmintrin.h>
+
+namespace {
+
+typedef std::array<Qov16u, 64> Table;
+
+Table tableOf(int step)
+{
+    Table t;
+    t.fill(Qov16u(step));
+    return t;
+}
+
+Table randomTable(Random& random)
+{
+    Table t;
+    for (Qov16u& step : t)
+        step = random.oneIn(8) ? std::max<Qov16u>(1, random.value<Qov16u>()) : Qov16u(random.in(1, 120));
+    return t;
+}
+
+WordBlock randomBlock(Random& random, int amplitude)
+{
+    WordBlock b;
+    for (Qov16s& v : b) v = Qov16s(random.in(-amplitude, amplitude - 1));
+    return b;
+}
+
+RealBlock real(const WordBlock& b)
+{
+    RealBlock r;
+    std::copy(b.begin(), b.end(), r.begin());
+    return r;
+}
+
+WordBlock forward(const WordBlock& samples, const Table& table)
+{
+    WordBlock c;
+    EXPECT_EQ(qovStsNoErr, qoviDCTQuantFwd8x8_JPEG_16s_C1(samples.data(), c.data(), table.data()));
+    return c;
+}
+
+WordBlock inverse(const WordBlock& coefficients, const Table& table)
+{
+    WordBlock s;
+    EXPECT_EQ(qovStsNoErr, qoviDCTQuantInv8x8_JPEG_16s_C1(coefficients.data(), s.data(), table.data()));
+    return s;
+}
+
+// What px makes of something; to be compared with the other levels.
+template <class Make>
+auto atPx(Make make)
+{
+    EXPECT_EQ(qovStsNoErr, qovInitCpu(qovCpuPx));
+    return make();
+}
+
+// An image of 8-bit samples at any address and step.
+struct Image {
+    int step, offset;
+    std::vector<Qov8u> bytes;
+
+    Image(const WordBlock& samples, Random& random)
+        : step(8 + random.in(0, 40)), offset(random.in(0, 70)), bytes(offset + 7 * step + 8)
+    {
+        for (int i = 0; i < 64; i++) bytes[offset + i / 8 * step + i % 8] = Qov8u(samples[i] + 128);
+    }
+    const Qov8u* start() const { return bytes.data() + offset; }
+};
+
+// Flags that no primitive may raise: Invalid, Denormal, Zerodivide, Overflow, Underflow.
+const unsigned forbiddenFlags = 0x1F;
+
+class FlagWatch {
+public:
+    FlagWatch() { _mm_setcsr(_mm_getcsr() & ~0x3Fu); }
+    unsigned raised() const { return _mm_getcsr() & forbiddenFlags; }
+};
+
+// ---- forward
+
+TEST(ForwardDct, NearTheRealNumbers)
+{
+    Random random;
+    // 8-bit samples take the integer transform, wider ones single precision; both must saturate.
+    for (int amplitude : {128, 30, 2048, 32768}) {
+        forEachLevel([&] {
+            Agreement agreement;
+            for (int n = 0; n < 2000; n++) {
+                const WordBlock samples = randomBlock(random, amplitude), c = forward(samples, tableOf(1));
+                const RealBlock expected = referenceDct(real(samples), false);
+                for (int i = 0; i < 64; i++) agreement.add(limited(expected[i], -32768, 32767), c[i]);
+            }
+            EXPECT_LE(agreement.largest(), 1) << amplitude;
+            EXPECT_GE(agreement.equalShare(), 0.99) << amplitude;
+        });
+    }
+}
+
+// Samples at their ends along each basis function, both signs: where 16- and 32-bit sums are largest.
+TEST(ForwardDct, LargestSums)
+{
+    forEachLevel([] {
+        for (int k = 0; k < 256; k++) {
+            WordBlock samples;
+            for (int i = 0; i < 64; i++) {
+                // The second half: rows at their largest for one function, alternating for another.
+                const double wave = cosine(i % 8, k % 8) * (k < 128               ? cosine(i / 8, k / 8 % 8)
+                                                            : (i / 8 ^ k / 8) & 1 ? -1
+                                                                                  : 1);
+                samples[i] = (wave >= 0) == (k / 64 % 2 == 0) ? 127 : -128;
+            }
+            const WordBlock c = forward(samples, tableOf(1));
+            const RealBlock expected = referenceDct(real(samples), false);
+            for (int i = 0; i < 64; i++)
+                ASSERT_NEAR(rounded(expected[i]), c[i], 1) << "pattern " << k << " at " << i;
+        }
+    });
+}
+
+// DC is exact, so its halves are too: they go away from zero.
+TEST(ForwardDct, HalvesOfDc)
+{
+    forEachLevel([] {
+        for (int sum = -600; sum <= 600; sum++) {
+            WordBlock samples{};
+            int left = sum;
+            for (Qov16s& s : samples) {
+                s = Qov16s(std::clamp(left, -128, 127));
+                left -= s;
+            }
+            for (int step : {1, 3, 16, 255}) {
+                const int q = (2 * std::abs(sum) + 8 * step) / (16 * step);
+                ASSERT_EQ(sum < 0 ? -q : q, forward(samples, tableOf(step))[0]) << sum << " / 8 / " << step;
+            }
+        }
+    });
+}
+
+// The quotient is that of the coefficient before it is rounded.
+TEST(ForwardDct, QuantisedOnce)
+{
+    Random random;
+    for (int amplitude : {128, 32768})
+        for (int n = 0; n < 500; n++) {
+            const WordBlock samples = randomBlock(random, amplitude);
+            const Table table = randomTable(random);
+            const RealBlock expected = referenceDct(real(samples), false);
+            forEachLevel([&] {
+                const WordBlock q = forward(samples, table);
+                for (int i = 0; i < 64; i++) {
+                    const double quotient = std::clamp(expected[i] / table[i], -32768.0, 32767.0);
+                    ASSERT_LE(std::abs(quotient - q[i]), 0.5 + 0.2 / table[i])
+                        << expected[i] << " / " << table[i];
+                }
+            });
+            if (HasFatalFailure()) return;
+        }
+}
+
+TEST(ForwardDct, EveryFormAndLevelAgree)
+{
+    Random random;
+    for (int n = 0; n < 1500; n++) {
+        const int amplitude = random.oneIn(3) ? 32768 : 128;
+        const WordBlock samples = randomBlock(random, amplitude);
+        const Table table = randomTable(random);
+        const WordBlock expected = atPx([&] { return forward(samples, table); });
+        const WordBlock bare = atPx([&] { return forward(samples, tableOf(1)); });
+        forEachLevel([&] {
+            ASSERT_EQ(expected, forward(samples, table));
+            Guarded memory(128, 2 * random.in(0, 31));
+            Qov16s* p = memory.as<Qov16s>();
+            std::copy(samples.begin(), samples.end(), p);
+            ASSERT_EQ(qovStsNoErr, qoviDCTQuantFwd8x8_JPEG_16s_C1I(p, table.data()));
+            ASSERT_TRUE(std::equal(expected.begin(), expected.end(), p));
+            if (amplitude == 128) {
+                const Image image(samples, random);
+                ASSERT_EQ(qovStsNoErr,
+                          qoviDCTQuantFwd8x8LS_JPEG_8u16s_C1R(image.start(), image.step, p, table.data()));
+                ASSERT_TRUE(std::equal(expected.begin(), expected.end(), p));
+                ASSERT_EQ(qovStsNoErr, qoviDCT8x8Fwd_8u16s_C1R(image.start(), image.step, p));
+                ASSERT_TRUE(std::equal(bare.begin() + 1, bare.end(), p + 1));
+                int sum = 0;
+                for (int s : samples) sum += s + 128;
+                ASSERT_EQ((sum + 4) / 8, p[0]);
+            }
+            ASSERT_TRUE(memory.intact());
+        });
+        if (HasFatalFailure()) return;
+    }
+}
+
+// ---- inverse
+
+// IEEE 1180-1990: its generator of random blocks.
+class StandardRandom {
+public:
+    int in(int low, int high)
+    {
+        m_state = m_state * 1103515245 + 12345;
+        const double x = double(m_state & 0x7ffffffe) / double(0x7fffffff);
+        return int(x * (high - low + 1)) + low;
+    }
+
+private:
+    Qov32u m_state = 1;
+};
+
+TEST(InverseDct, Ieee1180)
+{
+    struct {
+        int low, high;
+    } const ranges[] = {{-256, 255}, {-5, 5}, {-300, 300}};
+    const int blocks = 10000;
+    for (const auto& range : ranges)
+        for (int sign : {1, -1}) {
+            SCOPED_TRACE(testing::Message() << range.low << ".." << range.high << " times " << sign);
+            StandardRandom random;
+            std::vector<WordBlock> coefficients(blocks), expected(blocks);
+            for (int b = 0; b < blocks; b++) {
+                RealBlock samples;
+                for (double& s : samples) s = sign * random.in(range.low, range.high);
+                const RealBlock c = referenceDct(samples, false);
+                for (int i = 0; i < 64; i++) coefficients[b][i] = Qov16s(limited(c[i], -2048, 2047));
+                const RealBlock s = referenceDct(real(coefficients[b]), true);
+                for (int i = 0; i < 64; i++) expected[b][i] = Qov16s(limited(s[i], -256, 255));
+            }
+            forEachLevel([&] {
+                std::array<double, 64> sum{}, squares{};
+                for (int b = 0; b < blocks; b++) {
+                    const WordBlock got = inverse(coefficients[b], tableOf(1));
+                    for (int i = 0; i < 64; i++) {
+                        const int error = std::clamp<int>(got[i], -256, 255) - expected[b][i];
+                        ASSERT_LE(std::abs(error), 1);
+                        sum[i] += error;
+                        squares[i] += error * error;
+                    }
+                }
+                double meanOfAll = 0, squareOfAll = 0;
+                for (int i = 0; i < 64; i++) {
+                    EXPECT_LE(std::abs(sum[i] / blocks), 0.015) << i;
+                    EXPECT_LE(squares[i] / blocks, 0.06) << i;
+                    meanOfAll += sum[i] / blocks / 64;
+                    squareOfAll += squares[i] / blocks / 64;
+                }
+                EXPECT_LE(std::abs(meanOfAll), 0.0015);
+                EXPECT_LE(squareOfAll, 0.02);
+            });
+        }
+    forEachLevel([] { EXPECT_EQ(WordBlock(), inverse(WordBlock(), tableOf(1))); });
+}
+
+// Coefficients of every size, also far beyond those of 8-bit samples.
+TEST(InverseDct, NearTheRealNumbers)
+{
+    Random random;
+    for (int amplitude : {40, 300, 1024, 32768}) {
+        forEachLevel([&] {
+            Agreement agreement;
+            for (int n = 0; n < 2000; n++) {
+                WordBlock c = randomBlock(random, amplitude);
+                if (n % 2) // few coefficients, large samples
+                    for (Qov16s& v : c) v = random.oneIn(8) ? v : Qov16s(0);
+                const WordBlock s = inverse(c, tableOf(1));
+                const RealBlock expected = referenceDct(real(c), true);
+                for (int i = 0; i < 64; i++) agreement.add(limited(expected[i], -32768, 32767), s[i]);
+            }
+            EXPECT_LE(agreement.largest(), 1) << amplitude;
+            EXPECT_GE(agreement.equalShare(), 0.99) << amplitude;
+        });
+    }
+}
+
+// Coefficients that meet every branch: DC alone, a corner, middle values around their limit, products at 15
+// and 16 bits.
+WordBlock branchyBlock(Random& random, Table& table)
+{
+    WordBlock c{};
+    table = random.oneIn(2) ? tableOf(1) : randomTable(random);
+    const int corner = random.oneIn(3) ? 1 : random.oneIn(2) ? random.in(2, 4) : 8;
+    const int amplitude = random.oneIn(3) ? 32768 : random.oneIn(2) ? 1800 : 200;
+    for (int v = 0; v < corner; v++)
+        for (int u = 0; u < corner; u++)
+            c[8 * v + u] = random.oneIn(3) ? Qov16s(random.in(-amplitude, amplitude - 1)) : 0;
+    if (random.oneIn(6)) {
+        const int at = 8 * random.in(0, corner - 1) + random.in(0, corner - 1);
+        c[at] = Qov16s(random.in(-2, 2));
+        table[at] = Qov16u(random.oneIn(2) ? 65536 - random.in(1, 40) : 32768 + random.in(-2, 2));
+    }
+    return c;
+}
+
+typedef QovStatus ToBytes(const Qov16s*, Qov8u*, int, const Qov16u*);
+struct ByteForm {
+    ToBytes* primitive;
+    int corner, size; // coefficients read and samples written in each direction
+};
+const ByteForm byteForms[] = {
+    {qoviDCTQuantInv8x8LS_JPEG_16s8u_C1R, 8, 8},      {qoviDCTQuantInv8x8LS_4x4_JPEG_16s8u_C1R, 4, 8},
+    {qoviDCTQuantInv8x8LS_2x2_JPEG_16s8u_C1R, 2, 8},  {qoviDCTQuantInv8x8LS_1x1_JPEG_16s8u_C1R, 1, 8},
+    {qoviDCTQuantInv8x8To4x4LS_JPEG_16s8u_C1R, 4, 4}, {qoviDCTQuantInv8x8To2x2LS_JPEG_16s8u_C1R, 2, 2},
+};
+
+WordBlock cornerOf(const WordBlock& c, int corner)
+{
+    WordBlock r{};
+    for (int i = 0; i < 64; i++)
+        if (i / 8 < corner && i % 8 < corner) r[i] = c[i];
+    return r;
+}
+
+// The byte forms equal the plain one with level shift and clipping; the corner forms that of the block with
+// zeros around the corner; all alike at every level.
+TEST(InverseDct, EveryFormAndLevelAgree)
+{
+    Random random;
+    for (int n = 0; n < 6000; n++) {
+        Table table;
+        const WordBlock c = branchyBlock(random, table);
+        for (const ByteForm& form : byteForms) {
+            if (form.size < 8) continue;
+            const WordBlock corner = cornerOf(c, form.corner);
+            const WordBlock expected = atPx([&] { return inverse(corner, table); });
+            forEachLevel([&] {
+                ASSERT_EQ(expected, inverse(corner, table));
+                const int step = 8 + random.in(0, 20);
+                Guarded memory(size_t(7 * step + 8), size_t(random.in(0, 63)));
+                ASSERT_EQ(qovStsNoErr, form.primitive(c.data(), memory.as<Qov8u>(), step, table.data()));
+                for (int i = 0; i < 64; i++)
+                    ASSERT_EQ(std::clamp(expected[i] + 128, 0, 255), memory.as<Qov8u>()[i / 8 * step + i % 8])
+                        << "corner " << form.corner << " at " << i;
+                ASSERT_TRUE(memory.intact(size_t(step), 8));
+            });
+        }
+        forEachLevel([&] {
+            WordBlock inPlace = c;
+            ASSERT_EQ(qovStsNoErr, qoviDCTQuantInv8x8_JPEG_16s_C1I(inPlace.data(), table.data()));
+            ASSERT_EQ(inverse(c, table), inPlace);
+        });
+        if (HasFatalFailure()) return;
+    }
+}
+
+// N-point transforms of the corner with the mean of the block.
+TEST(InverseDct, ReducedSizes)
+{
+    Random random;
+    for (const ByteForm& form : byteForms) {
+        const int size = form.size;
+        if (size == 8) continue;
+        forEachLevel([&] {
+            Agreement agreement;
+            for (int n = 0; n < 3000; n++) {
+                const WordBlock c = randomBlock(random, n % 2 ? 32768 : 200);
+                const int step = size + random.in(0, 9);
+                Guarded memory(size_t((size - 1) * step + size), size_t(random.in(0, 63)));
+                ASSERT_EQ(qovStsNoErr, form.primitive(c.data(), memory.as<Qov8u>(), step, tableOf(1).data()));
+                ASSERT_TRUE(memory.intact(size_t(step), size_t(size)));
+                for (int y = 0; y < size; y++)
+                    for (int x = 0; x < size; x++) {
+                        double sample = 0;
+                        for (int v = 0; v < size; v++)
+                            for (int u = 0; u < size; u++)
+                                sample += c[8 * v + u] * size / 8.0 * cosine(y, v, size) * cosine(x, u, size);
+                        agreement.add(limited(rounded(sample) + 128, 0, 255),
+                                      memory.as<Qov8u>()[y * step + x]);
+                    }
+            }
+            EXPECT_LE(agreement.largest(), 1) << size;
+            EXPECT_GE(agreement.equalShare(), 0.99) << size;
+        });
+        for (int n = 0; n < 500; n++) {
+            Table table;
+            const WordBlock c = branchyBlock(random, table);
+            std::vector<Qov8u> expected;
+            forEachLevel([&] {
+                std::vector<Qov8u> got(size_t(size * size));
+                ASSERT_EQ(qovStsNoErr, form.primitive(c.data(), got.data(), size, table.data()));
+                if (expected.empty()) expected = got;
+                ASSERT_EQ(expected, got);
+            });
+        }
+    }
+}
+
+TEST(InverseDct, FlatBlocks)
+{
+    forEachLevel([] {
+        for (int dc = -1100; dc <= 1100; dc++) {
+            WordBlock c{};
+            c[0] = Qov16s(dc);
+            const int mean = int(std::round(dc / 8.0));
+            for (int sample : inverse(c, tableOf(1))) ASSERT_EQ(mean, sample) << dc;
+            for (const ByteForm& form : byteForms) {
+                std::vector<Qov8u> got(size_t(form.size * form.size));
+                ASSERT_EQ(qovStsNoErr, form.primitive(c.data(), got.data(), form.size, tableOf(1).data()));
+                for (int sample : got) ASSERT_EQ(std::clamp(mean + 128, 0, 255), sample) << dc;
+            }
+        }
+    });
+}
+
+// ---- 12 bits
+
+TEST(Dct12, NearTheRealNumbers)
+{
+    Random random;
+    for (int highest : {4095, 65535})
+        forEachLevel([&] {
+            Agreement there, back;
+            std::array<Qov32f, 64> ones;
+            ones.fill(1);
+            for (int n = 0; n < 2000; n++) {
+                std::array<Qov16u, 64> samples, again;
+                RealBlock shifted;
+                for (int i = 0; i < 64; i++) shifted[i] = (samples[i] = Qov16u(random.in(0, highest))) - 2048;
+                WordBlock c;
+                ASSERT_EQ(qovStsNoErr,
+                          qoviDCTQuantFwd8x8LS_JPEG_16u16s_C1R(samples.data(), 16, c.data(), ones.data()));
+                ASSERT_EQ(qovStsNoErr,
+                          qoviDCTQuantInv8x8LS_JPEG_16s16u_C1R(c.data(), again.data(), 16, ones.data()));
+                const RealBlock expected = referenceDct(shifted, false), sample = referenceDct(real(c), true);
+                for (int i = 0; i < 64; i++) {
+                    there.add(limited(expected[i], -32768, 32767), c[i]);
+                    back.add(limited(sample[i] + 2048, 0, 4095), again[i]);
+                }
+            }
+            EXPECT_LE(there.largest(), 1) << highest;
+            EXPECT_GE(there.equalShare(), 0.99) << highest;
+            EXPECT_LE(back.largest(), 1) << highest;
+            EXPECT_GE(back.equalShare(), 0.99) << highest;
+        });
+}
+
+// Steps that are no steps must do no harm; all levels alike, and no flag is raised.
+TEST(Dct12, AnyStepsAndSteps)
+{
+    Random random;
+    const Qov32f odd[] = {0.0f,      -0.0f, -3.0f, 1e-40f,   1e30f, INFINITY,
+                          -INFINITY, NAN,   0.5f,  65535.0f, 1.0f,  99.0f};
+    for (int n = 0; n < 1500; n++) {
+        std::array<Qov32f, 64> steps;
+        for (Qov32f& s : steps) s = random.oneIn(2) ? odd[random.in(0, 11)] : Qov32f(random.in(1, 300));
+        const int step = 16 + 2 * random.in(0, 20);
+        std::vector<Qov16u> image(size_t(7 * step / 2 + 8)), expectedImage;
+        for (Qov16u& s : image) s = random.value<Qov16u>();
+        WordBlock c, expected;
+        for (Qov16s& v : c) v = random.value<Qov16s>();
+        forEachLevel([&] {
+            const FlagWatch watch;
+            Guarded out(size_t(7 * step + 16), size_t(2 * random.in(0, 31)));
+            WordBlock q;
+            ASSERT_EQ(qovStsNoErr,
+                      qoviDCTQuantFwd8x8LS_JPEG_16u16s_C1R(image.data(), step, q.data(), steps.data()));
+            ASSERT_EQ(qovStsNoErr,
+                      qoviDCTQuantInv8x8LS_JPEG_16s16u_C1R(c.data(), out.as<Qov16u>(), step, steps.data()));
+            ASSERT_EQ(0u, watch.raised());
+            ASSERT_TRUE(out.intact(size_t(step), 16));
+            std::vector<Qov16u> samples;
+            for (int i = 0; i < 64; i++) samples.push_back(out.as<Qov16u>()[i / 8 * step / 2 + i % 8]);
+            if (qovGetEnabledCpuType() == qovCpuPx) {
+                expected = q;
+                expectedImage = samples;
+            }
+            ASSERT_EQ(expected, q);
+            ASSERT_EQ(expectedImage, samples);
+        });
+        if (HasFatalFailure()) return;
+    }
+}
+
+// ---- all of them
+
+TEST(Dct, RaisesNoFlag)
+{
+    Random random;
+    for (int n = 0; n < 1000; n++) {
+        Table table;
+        const WordBlock c = branchyBlock(random, table), samples = randomBlock(random, n % 2 ? 32768 : 128);
+        if (random.oneIn(2)) table[random.in(0, 63)] = 0;
+        forEachLevel([&] {
+            const FlagWatch watch;
+            Qov8u out[64];
+            inverse(c, table);
+            forward(samples, table);
+            for (const ByteForm& form : byteForms) form.primitive(c.data(), out, 8, table.data());
+            qoviDCT8x8Fwd_8u16s_C1R(out, 8, WordBlock().data());
+            WordBlock q = c;
+            qoviQuantFwd8x8_JPEG_16s_C1I(q.data(), table.data());
+            ASSERT_EQ(0u, watch.raised());
+        });
+    }
+}
+
+TEST(Dct, Statuses)
+{
+    Qov16s words[64] = {}, result[64];
+    Qov8u bytes[64] = {};
+    Qov16u words12[64] = {};
+    Qov32f steps12[64] = {};
+    const Table t = tableOf(1);
+    const Qov16u* const table = t.data();
+
+    EXPECT_EQ(qovStsNullPtr, qoviDCTQuantFwd8x8_JPEG_16s_C1(nullptr, result, table));
+    EXPECT_EQ(qovStsNullPtr, qoviDCTQuantFwd8x8_JPEG_16s_C1(words, nullptr, table));
+    EXPECT_EQ(qovStsNullPtr, qoviDCTQuantFwd8x8_JPEG_16s_C1(words, result, nullptr));
+    EXPECT_EQ(qovStsNullPtr, qoviDCTQuantInv8x8_JPEG_16s_C1(nullptr, result, table));
+    EXPECT_EQ(qovStsNullPtr, qoviDCTQuantInv8x8_JPEG_16s_C1(words, nullptr, table));
+    EXPECT_EQ(qovStsNullPtr, qoviDCTQuantInv8x8_JPEG_16s_C1(words, result, nullptr));
+    EXPECT_EQ(qovStsNullPtr, qoviDCTQuantFwd8x8_JPEG_16s_C1I(nullptr, table));
+    EXPECT_EQ(qovStsNullPtr, qoviDCTQuantInv8x8_JPEG_16s_C1I(words, nullptr));
+
+    // Null pointers come before the step.
+    EXPECT_EQ(qovStsNullPtr, qoviDCT8x8Fwd_8u16s_C1R(nullptr, 0, result));
+    EXPECT_EQ(qovStsNullPtr, qoviDCT8x8Fwd_8u16s_C1R(bytes, 0, nullptr));
+    EXPECT_EQ(qovStsStep, qoviDCT8x8Fwd_8u16s_C1R(bytes, 7, result));
+    EXPECT_EQ(qovStsNullPtr, qoviDCTQuantFwd8x8LS_JPEG_8u16s_C1R(bytes, 0, result, nullptr));
+    EXPECT_EQ(qovStsStep, qoviDCTQuantFwd8x8LS_JPEG_8u16s_C1R(bytes, 7, result, table));
+    EXPECT_EQ(qovStsNullPtr, qoviDCTQuantFwd8x8LS_JPEG_16u16s_C1R(words12, 0, result, nullptr));
+    EXPECT_EQ(qovStsStep, qoviDCTQuantFwd8x8LS_JPEG_16u16s_C1R(words12, 15, result, steps12));
+    EXPECT_EQ(qovStsNullPtr, qoviDCTQuantInv8x8LS_JPEG_16s16u_C1R(words, nullptr, 0, steps12));
+    EXPECT_EQ(qovStsStep, qoviDCTQuantInv8x8LS_JPEG_16s16u_C1R(words, words12, 15, steps12));
+    for (const ByteForm& form : byteForms) {
+        EXPECT_EQ(qovStsNullPtr, form.primitive(nullptr, bytes, 0, table));
+        EXPECT_EQ(qovStsNullPtr, form.primitive(words, nullptr, 0, table));
+        EXPECT_EQ(qovStsNullPtr, form.primitive(words, bytes, 0, nullptr));
+        EXPECT_EQ(qovStsStep, form.primitive(words, bytes, form.size - 1, table));
+        EXPECT_EQ(qovStsStep, form.primitive(words, bytes, -64, table));
+        EXPECT_EQ(qovStsNoErr, form.primitive(words, bytes, form.size, table));
+    }
+}
+
+} // namespace

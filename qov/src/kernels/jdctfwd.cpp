@@ -43,10 +43,13 @@ QOV_INLINE int shiftedDc(int c)
 // Samples of any 16 bits. src may be dst.
 __attribute__((noinline)) void quantWide(const Qov16s* src, Qov16s* dst, const Qov16u* table)
 {
-    float x[64];
-    for (int i = 0; i < 64; i++) x[i] = src[i];
+    Row x[8];
+    for (int y = 0; y < 8; y++) x[y] = rowOf(src + 8 * y);
     forwardWide(x);
-    for (int i = 0; i < 64; i++) dst[i] = nearest16s(x[i] / float(8 * (table[i] ? table[i] : 1)));
+    for (int v = 0; v < 8; v++) {
+        const Row steps = limit(rowOf(table + 8 * v), 1.0f, 65535.0f);
+        storeWords(dst + 8 * v, nearest(divide(x[v], multiply(steps, 8.0f))));
+    }
 }
 
 void quant_16s(const Qov16s* src, Qov16s* dst, const Qov16u* table)
@@ -56,12 +59,12 @@ void quant_16s(const Qov16s* src, Qov16s* dst, const Qov16u* table)
 
 void quantShift_16u16s(const Qov16u* src, ptrdiff_t srcStep, Qov16s* dst, const Qov32f* table)
 {
-    float x[64], steps[64];
-    for (int y = 0; y < 8; y++, src = atByte(src, srcStep))
-        for (int i = 0; i < 8; i++) x[8 * y + i] = float(src[i] - 2048);
+    static const Qov16u middle[8] = {2048, 2048, 2048, 2048, 2048, 2048, 2048, 2048};
+    Row x[8];
+    for (int y = 0; y < 8; y++) x[y] = subtract(rowOf(atByte(src, y * srcStep)), rowOf(middle));
     forwardWide(x);
-    limitSteps(table, steps, smallestStep);
-    for (int i = 0; i < 64; i++) dst[i] = nearest16s(x[i] / (8 * steps[i]));
+    for (int v = 0; v < 8; v++)
+        storeWords(dst + 8 * v, nearest(divide(x[v], multiply(stepsOf(table + 8 * v, smallestStep), 8.0f))));
 }
 
 } // namespace

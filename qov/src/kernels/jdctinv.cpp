@@ -11,8 +11,8 @@
 // - only DC: one rounded value for all samples, halves away from zero;
 // - integer transform, rows first, whose middle values keep 4 fraction bits and must stay within middleLimit,
 // as they
-//   do for every block that came from 8-bit samples; steps must have 15 bits (a product that needs more than
-//   16 bits always makes a middle value pass the limit);
+//   do for every block that came from 8-bit samples (a product of more than 15 bits always makes one pass
+//   it);
 // - single precision for the rest.
 // In the integer transform the sum of the magnitudes of 8 products is below 61213 * 2^15, so that with the
 // rounding and the level shift all sums stay below 2^31 whatever the 16-bit values are.
@@ -31,15 +31,6 @@ enum {
 enum { c0 = 1 << factorBits, c1 = dctFactor(1, factorBits), c2 = dctFactor(2, factorBits) };
 enum { c3 = dctFactor(3, factorBits), c5 = dctFactor(5, factorBits), c6 = dctFactor(6, factorBits) };
 enum { c7 = dctFactor(7, factorBits) };
-
-// The low corner x corner coefficients times their steps, zeros around them.
-template <int corner>
-QOV_INLINE void dequantiseCorner(const Qov16s* src, const Qov16u* table, Qov16s a[64])
-{
-    if (corner < 8) memset(a, 0, 64 * sizeof *a);
-    for (int v = 0; v < 8 * corner; v += 8)
-        for (int u = 0; u < corner; u++) a[v + u] = dequantise(src[v + u], table[v + u]);
-}
 
 Qov8u limit8(int v)
 {
@@ -64,6 +55,7 @@ struct ToBlock {
     enum { shift = 0 };
 
     void put(int y, int x, int sample) const { dst[8 * y + x] = Qov16s(sample); }
+    void putRow(int y, Words samples) const { storeWords(dst + 8 * y, samples); }
     void fill(int sample) const
     {
         for (int i = 0; i < 64; i++) dst[i] = Qov16s(sample);
@@ -82,6 +74,7 @@ struct ToBytes {
     enum { shift = levelShift };
 
     void put(int y, int x, int sample) const { dst[y * step + x] = limit8(sample); }
+    void putRow(int y, Words samples) const { storeSamples(dst + y * step, samples); } // not shifted yet
     void fill(int sample) const
     {
         for (int y = 0; y < 8; y++) memset(dst + y * step, limit8(sample), 8);
@@ -91,15 +84,15 @@ struct ToBytes {
     {
         for (int y = 0; y < 8; y += 4) {
             const W bytes = packU16(pack32(rows[y], rows[y + 1]), pack32(rows[y + 2], rows[y + 3]));
-            const TwoRegisters rows = eachRow(bytes);
-            putTwo(y, rows.first);
-            putTwo(y + 2, rows.second);
+            const TwoRegisters ordered = eachRow(bytes);
+            putTwo(y, ordered.first);
+            putTwo(y + 2, ordered.second);
         }
     }
     void putTwo(int y, __m128i rows) const
     {
         _mm_storel_epi64((__m128i*)(dst + y * step), rows);
-        _mm_storeh_pd((double*)(dst + (y + 1) * step), _mm_castsi128_pd(rows));
+        _mm_storeh_pi((__m64*)(dst + (y + 1) * step), _mm_castsi128_ps(rows));
     }
 #endif
 };
@@ -119,13 +112,10 @@ struct Corner {
 template <int corner, class Out>
 __attribute__((noinline)) void wide(const Qov16s* src, const Out& out, const Qov16u* table)
 {
-    Qov16s a[64];
-    float x[64];
-    dequantiseCorner<corner>(src, table, a);
-    for (int i = 0; i < 64; i++) x[i] = a[i];
+    Row x[8];
+    for (int v = 0; v < 8; v++) x[v] = v < corner ? products<corner>(src + 8 * v, table + 8 * v) : Row();
     inverseWide(x);
-    for (int y = 0; y < 8; y++)
-        for (int i = 0; i < 8; i++) out.put(y, i, nearest16s(x[8 * y + i] / 8) + Out::shift);
+    for (int y = 0; y < 8; y++) out.putRow(y, nearest(x[y]));
 }
 
 template <class Out>
@@ -161,16 +151,13 @@ void quantShiftCorner1(const Qov16s* src, Qov8u* dst, ptrdiff_t dstStep, const Q
 // are twice those of the 4x4 one with the same mean, so two passes give 8 times the sample, as at full size.
 void quantShiftTo4x4(const Qov16s* src, Qov8u* dst, ptrdiff_t dstStep, const Qov16u* table)
 {
-    float x[16];
-    for (int v = 0; v < 4; v++)
-        for (int u = 0; u < 4; u++) x[4 * u + v] = dequantise(src[8 * v + u], table[8 * v + u]);
+    Row x[8] = {};
+    for (int v = 0; v < 4; v++) x[v] = products<4>(src + 8 * v, table + 8 * v);
+    transpose(x);
     inverse4Columns(x);
-    float y[16];
-    for (int v = 0; v < 4; v++)
-        for (int u = 0; u < 4; u++) y[4 * v + u] = x[4 * u + v];
-    inverse4Columns(y);
-    for (int v = 0; v < 4; v++)
-        for (int u = 0; u < 4; u++) dst[v * dstStep + u] = limit8(nearest16s(y[4 * v + u] / 8) + levelShift);
+    transpose(x);
+    inverse4Columns(x);
+    for (int y = 0; y < 4; y++) storeSamples<4>(dst + y * dstStep, nearest(multiply(x[y], 0.125f)));
 }
 
 // 2x2 samples: sums and differences, 8 times the sample.
@@ -187,20 +174,11 @@ void quantShiftTo2x2(const Qov16s* src, Qov8u* dst, ptrdiff_t dstStep, const Qov
 // Samples of 12 bits.
 void quantShift_16s16u(const Qov16s* src, Qov16u* dst, ptrdiff_t dstStep, const Qov32f* table)
 {
-    const int middle = 2048, largest = 4095;
-    float x[64], steps[64];
-    limitSteps(table, steps, noStep);
-    for (int i = 0; i < 64; i++) {
-        const float product = src[i] * steps[i];
-        const float limited = product < 32767.0f ? product : 32767.0f;
-        x[i] = limited > -32768.0f ? limited : -32768.0f;
-    }
+    Row x[8];
+    for (int v = 0; v < 8; v++)
+        x[v] = limit(multiply(rowOf(src + 8 * v), stepsOf(table + 8 * v, noStep)), -32768.0f, 32767.0f);
     inverseWide(x);
-    for (int y = 0; y < 8; y++, dst = atByte(dst, dstStep))
-        for (int i = 0; i < 8; i++) {
-            const int sample = nearest16s(x[8 * y + i] / 8) + middle;
-            dst[i] = Qov16u(sample < 0 ? 0 : sample > largest ? largest : sample);
-        }
+    for (int y = 0; y < 8; y++) storeSamples(atByte(dst, y * dstStep), nearest(x[y]));
 }
 
 } // namespace

@@ -31,13 +31,9 @@ bool onlyDc(Corner<size>, const Qov16s* src)
 template <int size, class Out>
 bool narrow(Corner<size>, const Qov16s* src, const Out& out, const Qov16u* table)
 {
+    int x[64] = {};
     for (int v = 0; v < 8 * size; v += 8)
-        for (int u = 0; u < size; u++)
-            if (table[v + u] > middleLimit) return false;
-    Qov16s a[64];
-    dequantiseCorner<size>(src, table, a);
-    int x[64];
-    for (int i = 0; i < 64; i++) x[i] = a[i];
+        for (int u = 0; u < size; u++) x[v + u] = dequantise(src[v + u], table[v + u]);
     for (int v = 0; v < 8 * size; v += 8) pass(x + v, 1, rowShift, 1 << (rowShift - 1));
     for (int i = 0; i < 8 * size; i++)
         if (x[i] < -middleLimit || x[i] > middleLimit) return false;

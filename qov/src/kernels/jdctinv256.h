@@ -39,16 +39,17 @@ QOV_INLINE void pass(const Pairs& a, int bias, const Factors& f, W x[8])
     combine<shift>(e, o, x);
 }
 
-// What may send a block to the wide transform.
+// What sends a block to the wide transform.
 struct Limits {
-    W largest = all16(0); // of steps and middle values
-    W outside = all16(0); // not zero where a product is not within 15 bits
+    W largest = all16(0); // magnitude of the middle values
+    W outside = all16(0); // not zero where a product needs more than 15 bits
 
+    // Larger steps make no difference: with 32767 the product is outside too, unless the coefficient is 0.
     W product(W c, W steps)
     {
-        largest = maxU16(largest, steps);
-        outside = either(outside, mulRound16(c, steps));
-        return mulLow16(c, steps);
+        const W signedSteps = minU16(steps, all16(32767));
+        outside = either(outside, mulRound16(c, signedSteps));
+        return mulLow16(c, signedSteps);
     }
     void middle(W x) { largest = maxU16(largest, abs16(x)); }
     bool kept() const { return isZero(either(outside, subSaturateU16(largest, all16(middleLimit)))); }

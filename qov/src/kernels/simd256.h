@@ -86,6 +86,7 @@ QOV_W_OP2(W, mulLow16, mullo_epi16)
 QOV_W_OP2(W, mulRound16, mulhrs_epi16) // (a b + 2^14) >> 15
 QOV_W_OP2(W, multiplyAdd, madd_epi16)  // pairs of words: a0 b0 + a1 b1
 QOV_W_OP2(W, maxU16, max_epu16)
+QOV_W_OP2(W, minU16, min_epu16)
 QOV_W_OP2(W, subSaturateU16, subs_epu16)
 QOV_W_OP2(W, pack32, packs_epi32)
 QOV_W_OP2(W, packU16, packus_epi16)
@@ -104,12 +105,21 @@ QOV_W_CVT(F, W, toFloat, cvtepi32_ps)
 QOV_W_CVT(W, F, toNearest, cvtps_epi32)
 QOV_W_OP2(F, mulFloat, mul_ps)
 QOV_W_OP2(F, subFloat, sub_ps)
+QOV_W_OP2(F, addFloat, add_ps)
 QOV_W_OP2(F, divideFloat, div_ps)
+QOV_W_OP2(F, minFloat, min_ps)
+QOV_W_OP2(F, maxFloat, max_ps)
+QOV_W_OP2(F, andFloat, and_ps)
+QOV_W_OP2(F, orFloat, or_ps)
+QOV_W_CVT(W, F, toZero, cvttps_epi32)
+QOV_W_OP2(W, min32, min_epi32)
+QOV_W_OP2(W, greaterThan32, cmpgt_epi32)
 
 #if defined(__AVX2__)
 QOV_W_OP2(W, both, and_si256)
 QOV_W_OP2(W, either, or_si256)
 QOV_W_CVT(F, W, asFloat, castsi256_ps)
+QOV_W_CVT(W, F, asWords, castps_si256)
 QOV_INLINE bool isZero(W a)
 {
     return _mm256_testz_si256(a, a);
@@ -160,6 +170,19 @@ QOV_INLINE W crossQwords(W a)
 {
     return _mm256_permute4x64_epi64(a, 0xD8);
 }
+QOV_INLINE W widenSigned(__m128i words)
+{
+    return _mm256_cvtepi16_epi32(words);
+}
+QOV_INLINE W widenUnsigned(__m128i words)
+{
+    return _mm256_cvtepu16_epi32(words);
+}
+// Where the mask is all ones a, elsewhere b.
+QOV_INLINE W select32(W mask, W a, W b)
+{
+    return _mm256_blendv_epi8(b, a, mask);
+}
 // a b - c
 QOV_INLINE F productMinus(F a, F b, F c)
 {
@@ -169,6 +192,7 @@ QOV_INLINE F productMinus(F a, F b, F c)
 QOV_W_OP2(W, both, and_si128)
 QOV_W_OP2(W, either, or_si128)
 QOV_W_CVT(F, W, asFloat, castsi128_ps)
+QOV_W_CVT(W, F, asWords, castps_si128)
 QOV_INLINE bool isZero(W a)
 {
     const __m128i any = _mm_or_si128(a.lo, a.hi);
@@ -223,6 +247,18 @@ QOV_INLINE W crossHighLanes(W a, W b)
 QOV_INLINE W crossQwords(W a)
 {
     return {_mm_unpacklo_epi64(a.lo, a.hi), _mm_unpackhi_epi64(a.lo, a.hi)};
+}
+QOV_INLINE W widenSigned(__m128i words)
+{
+    return {_mm_cvtepi16_epi32(words), _mm_cvtepi16_epi32(_mm_unpackhi_epi64(words, words))};
+}
+QOV_INLINE W widenUnsigned(__m128i words)
+{
+    return {_mm_cvtepu16_epi32(words), _mm_cvtepu16_epi32(_mm_unpackhi_epi64(words, words))};
+}
+QOV_INLINE W select32(W mask, W a, W b)
+{
+    return {_mm_blendv_epi8(b.lo, a.lo, mask.lo), _mm_blendv_epi8(b.hi, a.hi, mask.hi)};
 }
 #endif
 
