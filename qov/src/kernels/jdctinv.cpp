@@ -9,10 +9,8 @@
 
 // Three ways, chosen by the coefficients and so the same at every level:
 // - only DC: one rounded value for all samples, halves away from zero;
-// - integer transform, rows first, whose middle values keep 4 fraction bits and must stay within middleLimit,
-// as they
-//   do for every block that came from 8-bit samples (a product of more than 15 bits always makes one pass
-//   it);
+// - integer transform, rows first, whose middle values keep 4 fraction bits and must stay within middleLimit;
+//   every block that came from 8-bit samples does, and a product of more than 15 bits never;
 // - single precision for the rest.
 // In the integer transform the sum of the magnitudes of 8 products is below 61213 * 2^15, so that with the
 // rounding and the level shift all sums stay below 2^31 whatever the 16-bit values are.
@@ -63,7 +61,7 @@ struct ToBlock {
 #if defined(QOV_SIMD256)
     void putAll(const W rows[8]) const
     {
-        for (int y = 0; y < 8; y += 2) store(dst + 8 * y, crossQwords(pack32(rows[y], rows[y + 1])));
+        for (int y = 0; y < 8; y += 2) store(dst + 8 * y, packRows(rows[y], rows[y + 1]));
     }
 #endif
 };

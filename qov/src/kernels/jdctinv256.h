@@ -44,12 +44,12 @@ struct Limits {
     W largest = all16(0); // magnitude of the middle values
     W outside = all16(0); // not zero where a product needs more than 15 bits
 
-    // Larger steps make no difference: with 32767 the product is outside too, unless the coefficient is 0.
+    // A step above 32767 counts as 32767 in the check: the product is outside all the same, unless the
+    // coefficient is 0.
     W product(W c, W steps)
     {
-        const W signedSteps = minU16(steps, all16(32767));
-        outside = either(outside, mulRound16(c, signedSteps));
-        return mulLow16(c, signedSteps);
+        outside = either(outside, mulRound16(c, minU16(steps, all16(32767))));
+        return mulLow16(c, steps);
     }
     void middle(W x) { largest = maxU16(largest, abs16(x)); }
     bool kept() const { return isZero(either(outside, subSaturateU16(largest, all16(middleLimit)))); }
