@@ -1,5 +1,5 @@
-// The DCT primitives as one table, so that a loop visits all of them whatever the types of their arguments
-// are.
+// The primitives of the DCT and of quantisation as one table, so that a loop visits all of them whatever the
+// types of their arguments are.
 #ifndef TESTS_QOV_DCT_FORMS_H
 #define TESTS_QOV_DCT_FORMS_H
 
@@ -205,7 +205,9 @@ inline const std::vector<Form>& inverseForms()
 
 inline std::vector<Form> allForms()
 {
-    std::vector<Form> list = forwardForms();
+    std::vector<Form> list = {QOV_FORM(qoviQuantFwd8x8_JPEG_16s_C1I, true),
+                              QOV_FORM(qoviQuantInv8x8_JPEG_16s_C1I, false)};
+    list.insert(list.end(), forwardForms().begin(), forwardForms().end());
     list.insert(list.end(), inverseForms().begin(), inverseForms().end());
     return list;
 }

@@ -1,5 +1,5 @@
-// What holds for every form of the DCT alike: equal bytes at all levels, nothing touched outside the
-// arguments, any address, no floating-point flags, statuses.
+// What holds for every form of the DCT and of quantisation alike: equal bytes at all levels, nothing touched
+// outside the arguments, any address, no floating-point flags, statuses.
 #include "dct_forms.h"
 
 #include <cmath>
@@ -187,6 +187,36 @@ TEST(DctForms, InPlaceEqualsOutOfPlace)
                 for (const Call& c : calls) ASSERT_EQ(outcome(apart, c), outcome(inPlace, c));
             });
         }
+}
+
+// A coefficient of 0 is 0 whatever its step is: the step does not even choose another way of calculation.
+TEST(DctForms, StepsOfZerosDoNotMatter)
+{
+    struct Twins {
+        Ints in, steps, otherSteps;
+    };
+    Random random;
+    for (const Form& form : inverseForms()) {
+        std::vector<Twins> list;
+        for (int n = 0; n < 2000; n++) {
+            Twins t;
+            const int amplitude = random.oneIn(4) ? 32767 : 1 << random.in(0, 12);
+            const int corner = 1 << random.in(0, 3), sparse = random.in(1, 4);
+            for (int i = 0; i < 64; i++) {
+                const bool zero = i / 8 >= corner || i % 8 >= corner || !random.oneIn(sparse);
+                t.in[i] = zero ? 0 : random.in(-amplitude, amplitude);
+                t.steps[i] = random.oneIn(4) ? random.value<Qov16u>() : random.in(1, 40);
+                t.otherSteps[i] = t.in[i] ? t.steps[i] : random.value<Qov16u>();
+            }
+            list.push_back(t);
+        }
+        forEachLevel([&] {
+            for (const Twins& t : list)
+                ASSERT_EQ(run(form, t.in, t.steps), run(form, t.in, t.otherSteps))
+                    << form.name << ": the coefficients " << testing::PrintToString(t.in)
+                    << " with the steps " << testing::PrintToString(t.otherSteps);
+        });
+    }
 }
 
 // Every set of null pointers, with good and with bad steps; steps around the length of a row.

@@ -504,42 +504,4 @@ TEST(Dct, RaisesNoFlag)
     }
 }
 
-TEST(Dct, Statuses)
-{
-    Qov16s words[64] = {}, result[64];
-    Qov8u bytes[64] = {};
-    Qov16u words12[64] = {};
-    Qov32f steps12[64] = {};
-    const Table t = tableOf(1);
-    const Qov16u* const table = t.data();
-
-    EXPECT_EQ(qovStsNullPtr, qoviDCTQuantFwd8x8_JPEG_16s_C1(nullptr, result, table));
-    EXPECT_EQ(qovStsNullPtr, qoviDCTQuantFwd8x8_JPEG_16s_C1(words, nullptr, table));
-    EXPECT_EQ(qovStsNullPtr, qoviDCTQuantFwd8x8_JPEG_16s_C1(words, result, nullptr));
-    EXPECT_EQ(qovStsNullPtr, qoviDCTQuantInv8x8_JPEG_16s_C1(nullptr, result, table));
-    EXPECT_EQ(qovStsNullPtr, qoviDCTQuantInv8x8_JPEG_16s_C1(words, nullptr, table));
-    EXPECT_EQ(qovStsNullPtr, qoviDCTQuantInv8x8_JPEG_16s_C1(words, result, nullptr));
-    EXPECT_EQ(qovStsNullPtr, qoviDCTQuantFwd8x8_JPEG_16s_C1I(nullptr, table));
-    EXPECT_EQ(qovStsNullPtr, qoviDCTQuantInv8x8_JPEG_16s_C1I(words, nullptr));
-
-    // Null pointers come before the step.
-    EXPECT_EQ(qovStsNullPtr, qoviDCT8x8Fwd_8u16s_C1R(nullptr, 0, result));
-    EXPECT_EQ(qovStsNullPtr, qoviDCT8x8Fwd_8u16s_C1R(bytes, 0, nullptr));
-    EXPECT_EQ(qovStsStep, qoviDCT8x8Fwd_8u16s_C1R(bytes, 7, result));
-    EXPECT_EQ(qovStsNullPtr, qoviDCTQuantFwd8x8LS_JPEG_8u16s_C1R(bytes, 0, result, nullptr));
-    EXPECT_EQ(qovStsStep, qoviDCTQuantFwd8x8LS_JPEG_8u16s_C1R(bytes, 7, result, table));
-    EXPECT_EQ(qovStsNullPtr, qoviDCTQuantFwd8x8LS_JPEG_16u16s_C1R(words12, 0, result, nullptr));
-    EXPECT_EQ(qovStsStep, qoviDCTQuantFwd8x8LS_JPEG_16u16s_C1R(words12, 15, result, steps12));
-    EXPECT_EQ(qovStsNullPtr, qoviDCTQuantInv8x8LS_JPEG_16s16u_C1R(words, nullptr, 0, steps12));
-    EXPECT_EQ(qovStsStep, qoviDCTQuantInv8x8LS_JPEG_16s16u_C1R(words, words12, 15, steps12));
-    for (const ByteForm& form : byteForms) {
-        EXPECT_EQ(qovStsNullPtr, form.primitive(nullptr, bytes, 0, table));
-        EXPECT_EQ(qovStsNullPtr, form.primitive(words, nullptr, 0, table));
-        EXPECT_EQ(qovStsNullPtr, form.primitive(words, bytes, 0, nullptr));
-        EXPECT_EQ(qovStsStep, form.primitive(words, bytes, form.size - 1, table));
-        EXPECT_EQ(qovStsStep, form.primitive(words, bytes, -64, table));
-        EXPECT_EQ(qovStsNoErr, form.primitive(words, bytes, form.size, table));
-    }
-}
-
 } // namespace

@@ -108,7 +108,7 @@ struct Corner {
 #endif
 
 template <int corner, class Out>
-__attribute__((noinline)) void wide(const Qov16s* src, const Out& out, const Qov16u* table)
+__attribute__((noinline)) void wide(const Qov16s* src, Out out, const Qov16u* table)
 {
     Row x[8];
     for (int v = 0; v < 8; v++) x[v] = v < corner ? products<corner>(src + 8 * v, table + 8 * v) : Row();
@@ -117,13 +117,13 @@ __attribute__((noinline)) void wide(const Qov16s* src, const Out& out, const Qov
 }
 
 template <class Out>
-void fillDc(int dc, const Out& out)
+void fillDc(int dc, Out out)
 {
     out.fill(nearestEighth(dc) + Out::shift);
 }
 
 template <int corner, class Out>
-QOV_INLINE void inverse(const Qov16s* src, const Out& out, const Qov16u* table)
+QOV_INLINE void inverse(const Qov16s* src, Out out, const Qov16u* table)
 {
     if (onlyDc(Corner<corner>(), src)) return fillDc(dequantise(src[0], table[0]), out);
     if (!narrow(Corner<corner>(), src, out, table)) wide<corner>(src, out, table);

@@ -29,7 +29,7 @@ bool onlyDc(Corner<size>, const Qov16s* src)
 }
 
 template <int size, class Out>
-bool narrow(Corner<size>, const Qov16s* src, const Out& out, const Qov16u* table)
+bool narrow(Corner<size>, const Qov16s* src, Out out, const Qov16u* table)
 {
     int x[64] = {};
     for (int v = 0; v < 8 * size; v += 8)

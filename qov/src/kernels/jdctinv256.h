@@ -67,7 +67,7 @@ QOV_INLINE bool onlyDc(Corner<8>, const Qov16s* src)
 }
 
 template <class Out>
-QOV_INLINE bool narrow(Corner<8>, const Qov16s* src, const Out& out, const Qov16u* table)
+QOV_INLINE bool narrow(Corner<8>, const Qov16s* src, Out out, const Qov16u* table)
 {
     // Within a row: coefficients 0 and 4, 2 and 6, 1 and 5, 3 and 7.
     const W order = bothLanes(_mm_setr_epi8(0, 1, 8, 9, 4, 5, 12, 13, 2, 3, 10, 11, 6, 7, 14, 15));
@@ -143,7 +143,7 @@ QOV_INLINE __m128i multiplyAdd(__m128i a, const FactorPair& f)
 
 // Coefficients outside the 4x4 corner are zero: half of the products fall away.
 template <int size, class Out>
-QOV_INLINE bool narrow(Corner<size> corner, const Qov16s* src, const Out& out, const Qov16u* table)
+QOV_INLINE bool narrow(Corner<size> corner, const Qov16s* src, Out out, const Qov16u* table)
 {
     // Within a row coefficients 0 and 2, 1 and 3; one dword a row, in the order 0 2 1 3.
     const W order = bothLanes(_mm_setr_epi8(0, 1, 4, 5, 2, 3, 6, 7, 8, 9, 12, 13, 10, 11, 14, 15));
