@@ -2,14 +2,31 @@
 #ifndef QOV_ACTIVE_H
 #define QOV_ACTIVE_H
 
+#include "kernels/copy.h"
 #include "kernels/jadd.h"
+#include "kernels/jcolor.h"
 #include "kernels/jdctfwd.h"
 #include "kernels/jdctinv.h"
+#include "kernels/jhuffdec.h"
+#include "kernels/jhuffenc.h"
+#include "kernels/jpredict.h"
 #include "kernels/jquant.h"
+#include "kernels/jsample.h"
 
 // Every family once: F(x, name in the table, its struct).
-#define QOV_FAMILIES(F, x)                                                                                   \
-    F(x, add, AddKernels) F(x, dctFwd, DctFwdKernels) F(x, dctInv, DctInvKernels) F(x, quant, QuantKernels)
+// clang-format off
+#define QOV_FAMILIES(F, x)          \
+    F(x, add, AddKernels)           \
+    F(x, color, ColorKernels)       \
+    F(x, copy, CopyKernels)         \
+    F(x, dctFwd, DctFwdKernels)     \
+    F(x, dctInv, DctInvKernels)     \
+    F(x, huffDec, HuffDecKernels)   \
+    F(x, huffEnc, HuffEncKernels)   \
+    F(x, predict, PredictKernels)   \
+    F(x, quant, QuantKernels)       \
+    F(x, sample, SampleKernels)
+// clang-format on
 
 namespace qov {
 

@@ -35,10 +35,10 @@ Qov8u limit8(int v)
     return Qov8u(v < 0 ? 0 : v > 255 ? 255 : v);
 }
 
-// a / 8 to the nearest integer, halves away from zero.
+// a / 8 to the nearest integer, halves up: as the column pass of the whole transform rounds.
 int nearestEighth(int a)
 {
-    return (a + 4 - (a < 0)) >> 3;
+    return (a + 4) >> 3;
 }
 
 // What the column pass adds: half a unit, for rounding, and the level shift.

@@ -1,0 +1,203 @@
+// Colour conversion against the formulas in double precision, and equal at every level; 4:2:2 pixels.
+#include "planes_testing.h"
+#include "qovicolor.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace {
+
+typedef std::array<double, 4> Colour;
+
+Colour toYCbCr(const Colour& c)
+{
+    const auto [r, g, b, k] = c;
+    return {0.299 * r + 0.587 * g + 0.114 * b, -0.168736 * r - 0.331264 * g + 0.5 * b + 128,
+            0.5 * r - 0.418688 * g - 0.081312 * b + 128, k};
+}
+
+Colour toRgb(const Colour& c)
+{
+    const auto [y, cb, cr, k] = c;
+    return {y + 1.402 * (cr - 128), y - 0.344136 * (cb - 128) - 0.714136 * (cr - 128), y + 1.772 * (cb - 128),
+            k};
+}
+
+Colour swapped(const Colour& c)
+{
+    return {c[2], c[1], c[0], c[3]};
+}
+
+Colour complement(const Colour& c)
+{
+    return {255 - c[0], 255 - c[1], 255 - c[2], c[3]};
+}
+
+template <auto function>
+QovStatus split(const Arguments& a)
+{
+    return function(a.src[0], a.srcStep[0], a.dst, a.dstStep[0], a.roi);
+}
+
+template <auto function>
+QovStatus join(const Arguments& a)
+{
+    return function(a.src, a.srcStep[0], a.dst[0], a.dstStep[0], a.roi);
+}
+
+QovStatus luma(const Arguments& a)
+{
+    return qoviRGBToY_JPEG_8u_C3C1R(a.src[0], a.srcStep[0], a.dst[0], a.dstStep[0], a.roi);
+}
+
+QovStatus split422(const Arguments& a)
+{
+    return qoviYCbCr422_8u_C2P3R(a.src[0], a.srcStep[0], a.dst, a.dstStep, a.roi);
+}
+
+QovStatus join422(const Arguments& a)
+{
+    return qoviYCbCr422_8u_P3C2R(a.src, a.srcStep, a.dst[0], a.dstStep[0], a.roi);
+}
+
+const struct {
+    PlanesFunction function;
+    Colour (*real)(const Colour&);
+} conversions[] = {
+    {{"RGBToY", {3}, {1}, luma}, toYCbCr},
+    {{"RGBToYCbCr", {3}, {1, 1, 1}, split<qoviRGBToYCbCr_JPEG_8u_C3P3R>}, toYCbCr},
+    {{"BGRToYCbCr", {3}, {1, 1, 1}, split<qoviBGRToYCbCr_JPEG_8u_C3P3R>},
+     [](const Colour& c) { return toYCbCr(swapped(c)); }},
+    {{"YCbCrToRGB", {1, 1, 1}, {3}, join<qoviYCbCrToRGB_JPEG_8u_P3C3R>}, toRgb},
+    {{"YCbCrToBGR", {1, 1, 1}, {3}, join<qoviYCbCrToBGR_JPEG_8u_P3C3R>},
+     [](const Colour& c) { return swapped(toRgb(c)); }},
+    {{"CMYKToYCCK", {4}, {1, 1, 1, 1}, split<qoviCMYKToYCCK_JPEG_8u_C4P4R>},
+     [](const Colour& c) { return toYCbCr(complement(c)); }},
+    {{"YCCKToCMYK", {1, 1, 1, 1}, {4}, join<qoviYCCKToCMYK_JPEG_8u_P4C4R>},
+     [](const Colour& c) { return complement(toRgb(c)); }},
+};
+
+const PlanesFunction from422 = {"422 C2P3", {2}, {1, half, half}, split422};
+const PlanesFunction to422 = {"422 P3C2", {1, half, half}, {2}, join422};
+
+double limited(double v)
+{
+    return std::clamp(v, 0.0, 255.0);
+}
+
+int channels(const Layout& layout)
+{
+    return layout.size() == 1 ? layout[0] : int(layout.size());
+}
+
+// Catches wrong channels, lanes and tails, reads and writes beside the rows, a level that rounds otherwise.
+TEST(JpegColour, AnyPicture)
+{
+    for (const auto& [f, real] : conversions)
+        comparePictures(f, false, 150, [&f = f, real = real](const Arguments& a) {
+            for (int y = 0; y < a.roi.height; y++)
+                for (int x = 0; x < a.roi.width; x++) {
+                    Colour in{};
+                    for (int c = 0; c < channels(f.src); c++)
+                        in[c] = sample(f.src, a.src, a.srcStep, x, y, c);
+                    const Colour out = real(in);
+                    for (int c = 0; c < channels(f.dst); c++)
+                        ASSERT_NEAR(limited(out[c]), sample(f.dst, a.dst, a.dstStep, x, y, c), 1)
+                            << "channel " << c << " of pixel " << x << ", " << y;
+                }
+        });
+}
+
+// The cube in steps of 3, greys among it: a coefficient that is a little wrong shows in the share of values
+// that are not the nearest.
+TEST(JpegColour, NearestInNearlyAllTriples)
+{
+    constexpr int side = 86, count = side * side * side;
+    std::vector<Qov8u> pixels(3 * count), planes[3], back(3 * count);
+    for (auto& plane : planes) plane.resize(count);
+    for (int i = 0; i < count; i++) {
+        pixels[3 * i] = Qov8u(i / side / side * 3);
+        pixels[3 * i + 1] = Qov8u(i / side % side * 3);
+        pixels[3 * i + 2] = Qov8u(i % side * 3);
+    }
+    const QoviSize roi = {count, 1};
+    const auto verify = [&](auto real, auto result) {
+        int far[3] = {};
+        for (int i = 0; i < count; i++) {
+            const Colour in = {double(pixels[3 * i]), double(pixels[3 * i + 1]), double(pixels[3 * i + 2])};
+            const Colour exact = real(in);
+            for (int c = 0; c < 3; c++) {
+                const double error = std::abs(limited(exact[c]) - result(i, c));
+                ASSERT_LE(error, 1) << i << ", channel " << c;
+                far[c] += error > 0.5 + 1e-9; // either neighbour of a tie will do
+            }
+        }
+        for (int c = 0; c < 3; c++) EXPECT_LE(far[c], count / 1000) << "channel " << c;
+    };
+
+    forEachLevel([&] {
+        Qov8u* const to[3] = {planes[0].data(), planes[1].data(), planes[2].data()};
+        ASSERT_EQ(qovStsNoErr, qoviRGBToYCbCr_JPEG_8u_C3P3R(pixels.data(), 0, to, 0, roi));
+        verify(toYCbCr, [&](int i, int c) { return planes[c][i]; });
+        for (int grey = 0; grey < side; grey++) {
+            const int i = grey * (side * side + side + 1);
+            ASSERT_EQ(grey * 3, planes[0][i]);
+            ASSERT_EQ(128, planes[1][i]);
+            ASSERT_EQ(128, planes[2][i]);
+        }
+
+        for (int i = 0; i < count; i++)
+            for (int c = 0; c < 3; c++) planes[c][i] = pixels[3 * i + c];
+        const Qov8u* const from[3] = {to[0], to[1], to[2]};
+        ASSERT_EQ(qovStsNoErr, qoviYCbCrToRGB_JPEG_8u_P3C3R(from, 0, back.data(), 0, roi));
+        verify(toRgb, [&](int i, int c) { return back[3 * i + c]; });
+    });
+}
+
+// Catches a mix-up of the byte order or of the planes' steps, and the odd last column.
+TEST(YCbCr422, ToPlanes)
+{
+    comparePictures(from422, true, 150, [](const Arguments& a) {
+        for (int y = 0; y < a.roi.height; y++)
+            for (int x = 0; x < a.roi.width; x++) {
+                const Qov8u* row = a.src[0] + ptrdiff_t(y) * a.srcStep[0];
+                const int pair = x / 2, whole = a.roi.width / 2;
+                const int cr = pair < whole ? row[4 * pair + 3] : whole > 0 ? row[4 * whole - 1] : 128;
+                const int expected[3] = {row[2 * x], row[4 * pair + 1], cr};
+                for (int c = 0; c < 3; c++)
+                    ASSERT_EQ(expected[c], a.dst[c][ptrdiff_t(y) * a.dstStep[c] + (c == 0 ? x : pair)])
+                        << "plane " << c << ", " << x << ", " << y;
+            }
+    });
+}
+
+TEST(YCbCr422, FromPlanes)
+{
+    comparePictures(to422, true, 150, [](const Arguments& a) {
+        for (int y = 0; y < a.roi.height; y++)
+            for (int x = 0; x < a.roi.width; x++) {
+                const Qov8u* pixel = a.dst[0] + ptrdiff_t(y) * a.dstStep[0] + 2 * x;
+                const int c = 1 + x % 2;
+                ASSERT_EQ(a.src[0][ptrdiff_t(y) * a.srcStep[0] + x], pixel[0]) << x << ", " << y;
+                ASSERT_EQ(a.src[c][ptrdiff_t(y) * a.srcStep[c] + x / 2], pixel[1]) << x << ", " << y;
+            }
+    });
+}
+
+TEST(JpegColour, Statuses)
+{
+    for (const auto& conversion : conversions) checkStatuses(conversion.function, false);
+    checkStatuses(from422, true);
+    checkStatuses(to422, true);
+
+    // The array of planes or of steps itself.
+    Qov8u bytes[64] = {};
+    Qov8u* const dst[3] = {bytes, bytes, bytes};
+    const QoviSize roi = {1, 1};
+    EXPECT_EQ(qovStsNullPtr, qoviRGBToYCbCr_JPEG_8u_C3P3R(bytes, 3, nullptr, 1, roi));
+    EXPECT_EQ(qovStsNullPtr, qoviYCbCrToRGB_JPEG_8u_P3C3R(nullptr, 1, bytes, 3, roi));
+    EXPECT_EQ(qovStsNullPtr, qoviYCbCr422_8u_C2P3R(bytes, 2, dst, nullptr, roi));
+    EXPECT_EQ(qovStsNullPtr, qoviYCbCr422_8u_P3C2R(dst, nullptr, bytes, 2, roi));
+}
+
+} // namespace
