@@ -12,7 +12,7 @@ Arguments::Arguments(const std::vector<std::string>& words, const std::vector<st
 {
     for (size_t i = 0; i < words.size(); i++) {
         const std::string& word = words[i];
-        if (word.size() < 2 || word[0] != '-') {
+        if (word.empty() || word[0] != '-') {
             m_files.push_back(word);
             continue;
         }

@@ -37,14 +37,20 @@ Bytes readFile(const std::string& path)
     return bytes;
 }
 
-// Opened with the rights that an ordinary new file has, which mkstemp does not give.
-static std::FILE* openTemporary(std::string& path)
+// Of the file that is replaced, or else those that an ordinary new one has.
+static mode_t rightsAfter(const fs::file_status& old)
+{
+    if (fs::exists(old)) return static_cast<mode_t>(old.permissions() & fs::perms::all);
+    const mode_t mask = umask(0);
+    umask(mask);
+    return 0666 & ~mask;
+}
+
+static std::FILE* openTemporary(std::string& path, mode_t rights)
 {
     const int descriptor = mkstemp(path.data());
     if (descriptor < 0) return nullptr;
-    const mode_t mask = umask(0);
-    umask(mask);
-    std::FILE* file = fchmod(descriptor, 0666 & ~mask) == 0 ? fdopen(descriptor, "wb") : nullptr;
+    std::FILE* file = fchmod(descriptor, rights) == 0 ? fdopen(descriptor, "wb") : nullptr;
     if (!file) {
         close(descriptor);
         unlink(path.c_str());
@@ -63,8 +69,10 @@ OutputFile::OutputFile(const std::string& path)
         if (!m_file) failBySystem();
         return;
     }
-    std::string temporary = m_target + ".XXXXXX";
-    m_file = openTemporary(temporary);
+    // A folder lets go of a file that is itself protected from writing.
+    if (fs::exists(status) && access(m_target.c_str(), W_OK) != 0) failBySystem();
+    std::string temporary = fs::path(m_target).replace_filename(".unfinished.XXXXXX");
+    m_file = openTemporary(temporary, rightsAfter(status));
     if (!m_file) failBySystem();
     m_temporary = temporary;
 }

@@ -70,7 +70,8 @@ int main(int argc, char** argv)
 {
     try {
         run(std::vector<std::string>(argv + 1, argv + argc));
-        if (std::fflush(stdout) != 0) throw Failure("cannot write to the standard output");
+        if (std::fflush(stdout) != 0 || std::ferror(stdout))
+            throw Failure("cannot write to the standard output");
         return 0;
     } catch (const UsageFailure& failure) {
         warn(failure.what());

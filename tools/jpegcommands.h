@@ -12,7 +12,7 @@ void encodeCommand(const std::vector<std::string>& words);
 void decodeCommand(const std::vector<std::string>& words);
 void infoCommand(const std::vector<std::string>& words);
 
-// One line on stderr that is no failure.
+// One line on stderr.
 void warn(const std::string& text);
 
 // Anything but printable ASCII as \xHH.

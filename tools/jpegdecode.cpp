@@ -46,8 +46,8 @@ const ColorPair& choosePair(const Arguments& arguments, const Header& header)
                   GetErrorStr(JPEG_NOT_SUPPORTED));
 }
 
-// A sequential stream that was cut short decodes to a partial picture without an error: its data do not end
-// with EOI.
+// The data of a sequential stream that was cut short, which decodes to a partial picture, do not end with
+// EOI.
 bool endsWithEoi(const _bitstream& stream)
 {
     const int at = std::min(stream.currPos, stream.DataLen);
@@ -79,7 +79,10 @@ Decoded decode(const Bytes& file, const Arguments& arguments)
     else
         codecCall(
             decoder.SetDestination(picture.samples.data(), step, size, pair.channels, pair.destination));
-    codecCall(decoder.ReadData());
+    const _JPEG_ERROR code = decoder.ReadData();
+    // Behind the one scan of a sequential stream there is nothing that its picture needs.
+    const bool scanIsRead = code == JPEG_BUFFER_TOO_SMALL && decoder.m_jpeg_mode == JPEG_BASELINE;
+    if (!scanIsRead) codecCall(code);
     decoded.partial = !endsWithEoi(decoder.m_src);
 
     // Files have red first, whatever order was asked of the codec.

@@ -142,8 +142,6 @@ void encodeCommand(const std::vector<std::string>& words)
                                arguments.number("-q", 1, 100, 75), arguments.number("-restart", 0, 65535, 0)};
     if (arguments.has("-color"))
         choose(roads, arguments, "-color"); // a wrong name shows before any file is read
-    if (settings.mode == JPEG_LOSSLESS && arguments.has("-q"))
-        throw UsageFailure("-q does not apply to -mode lossless");
 
     const Stream stream = onFile(arguments.file(0), [&] { return encodeFile(arguments, settings); });
     onFile(arguments.file(1), [&] {
