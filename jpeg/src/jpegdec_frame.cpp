@@ -19,8 +19,8 @@ _JPEG_ERROR CJPEGDecoder::ParseSOF(_JPEG_MODE mode)
     JPEG_PASS(m_src._READ_WORD(&m_jpeg_height));
     JPEG_PASS(m_src._READ_WORD(&m_jpeg_width));
     JPEG_PASS(m_src._READ_BYTE(&ncomp));
-    if (mode == JPEG_LOSSLESS ? ncomp != 1 : ncomp > 4)
-        return mode == JPEG_LOSSLESS ? JPEG_NOT_SUPPORTED : JPEG_BAD_FRAME_SEGMENT;
+    if (mode == JPEG_LOSSLESS && ncomp != 1) return JPEG_NOT_SUPPORTED;
+    if (ncomp > 4) return JPEG_BAD_FRAME_SEGMENT;
     if (len - 6 != 3 * ncomp) return JPEG_BAD_SEGMENT_LENGTH;
     if (ncomp == 0 || m_jpeg_width == 0) return JPEG_BAD_FRAME_SEGMENT;
     JPEG_PASS(ReadComponents(ncomp));

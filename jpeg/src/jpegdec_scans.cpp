@@ -223,12 +223,12 @@ _JPEG_ERROR CJPEGDecoder::DecodeScanAC(CJPEGColorComponent& component)
     const int blockRows = std::min(m_numyMCU * v, (m_jpeg_height + 7) / 8);
     const int blockColumns = std::min(m_numxMCU * h, (m_jpeg_width + 7) / 8);
     const ptrdiff_t mcuSize = static_cast<ptrdiff_t>(m_nblock) * blockSize;
-    int before = 0; // blocks of an MCU
-    for (int i = 0; i < component.m_comp_no; i++) before += m_ccomp[i].m_nblocks;
+    int firstBlock = 0; // of the component in an MCU
+    for (int i = 0; i < component.m_comp_no; i++) firstBlock += m_ccomp[i].m_nblocks;
 
     bool dry = false;
     for (int y = 0; y < blockRows && !dry; y++) {
-        Qov16s* block = m_block_buffer + y / v * m_numxMCU * mcuSize + (before + y % v * h) * blockSize;
+        Qov16s* block = m_block_buffer + y / v * m_numxMCU * mcuSize + (firstBlock + y % v * h) * blockSize;
         for (int x = 0, l = 0; x < blockColumns && !dry; x++) {
             JPEG_PASS(BeginMCU());
             const QovStatus status = decode(m_src.pData, m_src.DataLen, &m_src.currPos, block, &m_marker,

@@ -2,8 +2,8 @@
 // entries with their names. Stands apart from the codec; the decoder only keeps the payload.
 //
 // Values come out as the byte order of the file leaves them: short values that stand in the offset field are
-// taken from its top byte downward, so that in a little-endian file short texts are reversed and a single
-// 16-bit number reads 0.
+// taken from its top byte downward, so that in a little-endian file short texts are reversed, their end in
+// front, and a single 16-bit number reads 0.
 #ifndef JPEG_JPEGMETA_H
 #define JPEG_JPEGMETA_H
 
@@ -25,9 +25,8 @@ struct _tiff_ifd_entry {
 };
 
 struct _tiff_ifd {
-    Qov16u num_entries; // as the file tells
-    _tiff_ifd_entry**
-        entries; // owned, with what they point to; null from the entry on that could not be read
+    Qov16u num_entries;        // that were read, up to the first that could not be
+    _tiff_ifd_entry** entries; // owned, with what they point to
     Qov32u next_ifd_offset;
 };
 

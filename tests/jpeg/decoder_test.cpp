@@ -4,8 +4,10 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstring>
 #include <memory>
+#include <utility>
 #include <vector>
 
 namespace {
@@ -226,10 +228,9 @@ TEST(DecoderHeader, SamplingAndGeometry)
         ASSERT_EQ(JPEG_OK, decoder.header());
         EXPECT_EQ(one.sampling, decoder.sampling);
         if (one.sampling == JS_411) {
-            EXPECT_EQ(2, decoder.m_numxMCU);
-            EXPECT_EQ(3, decoder.m_numyMCU);
-            EXPECT_EQ(15, decoder.m_xPadding);
-            EXPECT_EQ(15, decoder.m_yPadding);
+            const Decoder& d = decoder;
+            const std::vector<int> geometry = {d.m_numxMCU, d.m_numyMCU, d.m_xPadding, d.m_yPadding};
+            EXPECT_EQ((std::vector<int>{2, 3, 15, 15}), geometry);
         }
         std::vector<Qov8u> picture(17 * 33 * 4);
         ASSERT_EQ(JPEG_OK, decoder.SetDestination(picture.data(), 17 * 4, {17, 33}, 4, JC_BGR));
