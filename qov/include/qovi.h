@@ -2,8 +2,9 @@
 //
 // Every primitive answers a QovStatus. Arguments stand in the order source, destination, size, tables. Steps
 // are bytes from row to row and are looked at only when there is more than one row. Pointers need the
-// alignment of their element type only. Arguments are checked once, in this order: null pointers, size, step,
-// others. Integer results are the same at every instruction-set level.
+// alignment of their element type only. Source and destination are apart, save where a line says otherwise.
+// Arguments are checked once, in this order: null pointers, size, step, others, opaque blocks. Integer
+// results are the same at every instruction-set level.
 #ifndef QOV_QOVI_H
 #define QOV_QOVI_H
 

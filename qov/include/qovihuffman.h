@@ -16,7 +16,8 @@ typedef struct QoviDecodeHuffmanState QoviDecodeHuffmanState;
 // Tables. pBits: 16 counts, of the codes of 1 to 16 bits; pVals: the values in order of their codes (annex
 // C), of which only as many as the counts add up to are read. qovStsTable: more codes of a length than there
 // can be, or more than 256 in all. An empty table is valid, and so is one that uses the code of ones alone;
-// any value may stand in a table. SpecFree takes what SpecInitAlloc made.
+// any value may stand in a table. SpecInitAlloc makes a null of *ppSpec where it fails; SpecFree takes what
+// it made.
 QOV_API QovStatus qoviEncodeHuffmanSpecGetBufSize_JPEG_8u(int* pSize);
 QOV_API QovStatus qoviEncodeHuffmanSpecInit_JPEG_8u(const Qov8u* pBits, const Qov8u* pVals,
                                                     QoviEncodeHuffmanSpec* pSpec);
@@ -46,17 +47,22 @@ QOV_API QovStatus qoviDecodeHuffmanStateInit_JPEG_8u(QoviDecodeHuffmanState* pSt
 // besides an end-of-band run and its correction bits. flush != 0 codes nothing and reads no source (all but
 // the buffer and the state may be null; the AC table only if no run is pending): it settles the run, fills
 // the last byte with ones and leaves the state as after Init. *pLastDC: the DC predictor, read and replaced.
-// qovStsDstFull: the buffer ran out, and again at every later call while bits wait. qovStsRange: the table
-// has no code for a value. qovStsBadArg: not 0 <= al <= 13, or not 1 <= ss <= se <= 63.
+// qovStsDstFull: the buffer ran out; what fits has been written, and every later call with this state says
+// the same, flush included, up to the next Init. qovStsRange: the table has no code for a value; the cursor
+// and the bits that wait stay, *pLastDC may be replaced and a pending run lost.
 //
 // Decoders. pSrc, srcLen: the whole stream; *pSrcCurrPos: offset of the next byte that the state has not
 // taken. Bytes may be taken ahead of need, never past a marker. As soon as a marker is seen its second byte
 // goes to *pMarker, which is written only then, and the cursor stands just behind it. When the bits end there
 // or at the end of the data, this call and all later ones up to the next Init answer qovStsMarker and deliver
 // a flat continuation: a sequential block is the predictor and 63 zeros, a first DC pass the predictor, the
-// other passes leave the block as it is, differences are 0. The sequential decoder alone then also puts D9
-// into *pMarker when the data end without a marker. qovStsData: a code that is not in the table, or more than
-// 63 AC coefficients; the block holds what was decoded of it.
+// other passes leave the block as it is, differences are 0. That goes for a block whose bits end half way
+// too: nothing of it is delivered and *pLastDC stays. The sequential decoder alone also puts D9 into
+// *pMarker when the data end without a marker. qovStsData: a code that is not in the table, a category or
+// size that the pass does not have, or a run past the band; the block holds what was decoded of it.
+//
+// Both. qovStsSize: dstLen or srcLen below 1. qovStsBadArg: a cursor outside 0..dstLen or 0..srcLen, not
+// 0 <= al <= 13, or not 1 <= ss <= se <= 63.
 
 // Sequential coding (F.1.2, F.2.2). DC categories 0 to 15, AC sizes 1 to 15.
 QOV_API QovStatus qoviEncodeHuffman8x8_JPEG_16s1u_C1(const Qov16s* pSrc, Qov8u* pDst, int dstLen,

@@ -1,5 +1,4 @@
-// Plain vector operations of qov. Lengths count elements; below 1 is qovStsSize. Source and destination of a
-// copy do not overlap.
+// Plain vector operations of qov. Conventions of qovi.h. Lengths count elements; below 1 is qovStsSize.
 #ifndef QOV_QOVS_H
 #define QOV_QOVS_H
 

@@ -11,6 +11,12 @@ inline bool emptySize(QoviSize size)
     return size.width < 1 || size.height < 1;
 }
 
+template <class... Pointer>
+bool anyNull(const Pointer*... p)
+{
+    return (... || !p);
+}
+
 // Is a step (bytes) shorter than a row of `width` pixels? With a single row no step is looked at.
 inline bool shortStep(int step, QoviSize size, int bytesPerPixel)
 {

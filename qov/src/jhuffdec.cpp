@@ -1,8 +1,7 @@
 #include "active.h"
+#include "huffcheck.h"
 #include "qovcore.h"
-#include "qovi.h"
-
-#include <string.h>
+#include "qovihuffman.h"
 
 using namespace qov;
 
@@ -53,35 +52,19 @@ HuffDecState* inner(QoviDecodeHuffmanState* pState)
     return reinterpret_cast<HuffDecState*>(pState);
 }
 
-template <class... Pointers>
-inline bool anyNull(const Pointers*... pointers)
-{
-    return (... || !pointers);
-}
-
 template <class... Contexts>
-inline bool allMarked(const Contexts*... contexts)
+bool allMarked(const Contexts*... contexts)
 {
     return (... && (contexts->mark == Contexts::markValue));
 }
 
-// The checks that follow those for null. A position outside the data, its end allowed, is qovStsBadArg.
+// The checks that follow those for null.
 template <class... Contexts>
-inline QovStatus check(int srcLen, int pos, bool badArg, const Contexts*... contexts)
+QovStatus check(int srcLen, int pos, bool badArg, const Contexts*... contexts)
 {
     if (srcLen < 1) return qovStsSize;
-    if (pos < 0 || pos > srcLen || badArg) return qovStsBadArg;
+    if (badPosition(pos, srcLen) || badArg) return qovStsBadArg;
     return allMarked(contexts...) ? qovStsNoErr : qovStsContext;
-}
-
-bool badShift(int al)
-{
-    return al < 0 || al > 13;
-}
-
-bool badBand(int ss, int se)
-{
-    return ss < 1 || ss > se || se > 63;
 }
 
 QovStatus decodeAC(HuffDecKernels::AC* kernel, const Qov8u* pSrc, int srcLen, int* pSrcCurrPos, Qov16s* pDst,
@@ -89,8 +72,8 @@ QovStatus decodeAC(HuffDecKernels::AC* kernel, const Qov8u* pSrc, int srcLen, in
                    QoviDecodeHuffmanState* pState)
 {
     if (anyNull(pSrc, pSrcCurrPos, pDst, pMarker, pAcSpec, pState)) return qovStsNullPtr;
-    const bool badArg = badShift(al) || badBand(ss, se);
-    if (const auto s = check(srcLen, *pSrcCurrPos, badArg, inner(pAcSpec), inner(pState))) return s;
+    if (const auto s = check(srcLen, *pSrcCurrPos, badBand(ss, se, al), inner(pAcSpec), inner(pState)))
+        return s;
     return kernel(pSrc, srcLen, pSrcCurrPos, pDst, pMarker, ss, se, al, inner(pAcSpec), inner(pState));
 }
 

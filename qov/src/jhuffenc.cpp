@@ -1,4 +1,5 @@
 #include "active.h"
+#include "huffcheck.h"
 #include "qovihuffman.h"
 
 using namespace qov;
@@ -12,12 +13,6 @@ const HuffEncSpec* inside(const QoviEncodeHuffmanSpec* spec)
 HuffEncState* inside(QoviEncodeHuffmanState* state)
 {
     return reinterpret_cast<HuffEncState*>(state);
-}
-
-template <class... Pointer>
-bool anyNull(const Pointer*... p)
-{
-    return (... || !p);
 }
 
 // Differences of the marks from those of tables and of a state that can be written from.
@@ -49,20 +44,6 @@ template <class... Spec>
 [[gnu::cold]] QovStatus contextStatus(QoviEncodeHuffmanState* state)
 {
     return stateStatus(inside(state));
-}
-
-// A position outside the buffer, its end allowed; dstLen not negative.
-bool badPosition(int pos, int dstLen)
-{
-    return Qov32u(pos) > Qov32u(dstLen);
-}
-bool badShift(int al)
-{
-    return Qov32u(al) > 13;
-}
-bool badBand(int ss, int se, int al)
-{
-    return ss < 1 || ss > se || se > 63 || badShift(al);
 }
 
 [[gnu::cold]] QovStatus flushBits(Qov8u* pDst, int dstLen, int* pDstCurrPos,

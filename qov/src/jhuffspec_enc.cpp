@@ -111,7 +111,8 @@ public:
             if (m_length[s] > 0) *end++ = Qov8u(s);
         std::sort(pVals, end, [this](int a, int b) {
             if (m_length[a] != m_length[b]) return m_length[a] < m_length[b];
-            return Qov32u(m_counts[a]) > Qov32u(m_counts[b]);
+            if (m_counts[a] != m_counts[b]) return Qov32u(m_counts[a]) > Qov32u(m_counts[b]);
+            return a < b;
         });
         for (int i = 0; i < 16; pVals += pBits[i++]) std::sort(pVals, pVals + pBits[i]);
     }
@@ -159,6 +160,7 @@ QovStatus qoviEncodeHuffmanSpecInitAlloc_JPEG_8u(const Qov8u* pBits, const Qov8u
                                                  QoviEncodeHuffmanSpec** ppSpec)
 {
     if (!pBits || !pVals || !ppSpec) return qovStsNullPtr;
+    *ppSpec = nullptr;
     if (!isTable(pBits)) return qovStsTable;
     void* const block = qovMalloc(int(sizeof(HuffEncSpec)));
     if (!block) return qovStsNoMemory;
@@ -171,7 +173,6 @@ QovStatus qoviEncodeHuffmanSpecFree_JPEG_8u(QoviEncodeHuffmanSpec* pSpec)
 {
     if (!pSpec) return qovStsNullPtr;
     if (inside(pSpec)->mark != HuffEncSpec::markValue) return qovStsContext;
-    inside(pSpec)->mark = 0;
     qovFree(pSpec);
     return qovStsNoErr;
 }

@@ -23,16 +23,6 @@ int limit255(int a)
 }
 
 #if defined(QOV_SIMD256)
-QOV_W_OP2(W, mulHigh16, mulhi_epi16)          // (a b) >> 16
-QOV_W_OP2(W, multiplyAddBytes, maddubs_epi16) // pairs of bytes: unsigned a times signed b, summed
-QOV_W_OP2(W, packSigned16, packs_epi16)
-QOV_W_IMM1(W, shiftRightU16, srli_epi16)
-#if defined(__AVX2__)
-QOV_W_OP2(W, exclusive, xor_si256)
-#else
-QOV_W_OP2(W, exclusive, xor_si128)
-#endif
-
 // Factors of multiplyAddBytes for the bytes (even, odd) of every word.
 inline W bytePair(int even, int odd)
 {
@@ -112,8 +102,8 @@ struct RgbToYCbCr {
         const Words low(redGreen.low, blueGreen.low), high(redGreen.high, blueGreen.high);
         const W offset = allBytes(128);
         out[0] = packU16(low.y(), high.y());
-        out[1] = exclusive(packSigned16(low.cb(), high.cb()), offset);
-        out[2] = exclusive(packSigned16(low.cr(), high.cr()), offset);
+        out[1] = unlike(packSigned16(low.cb(), high.cb()), offset);
+        out[2] = unlike(packSigned16(low.cr(), high.cr()), offset);
     }
 #endif
 };
@@ -148,7 +138,7 @@ struct YCbCrToRgb {
     static inline void convert(const W (&in)[3], W (&out)[3])
     {
         const W offset = allBytes(128);
-        const Pairs chroma(exclusive(in[1], offset), exclusive(in[2], offset)), y(in[0], all16(0));
+        const Pairs chroma(unlike(in[1], offset), unlike(in[2], offset)), y(in[0], all16(0));
         out[0] = packU16(add16(y.low, red(chroma.low)), add16(y.high, red(chroma.high)));
         out[1] = packU16(sub16(y.low, green(chroma.low)), sub16(y.high, green(chroma.high)));
         out[2] = packU16(add16(y.low, blue(chroma.low)), add16(y.high, blue(chroma.high)));
@@ -187,7 +177,7 @@ inline Qov8u complement(Qov8u a)
 #if defined(QOV_SIMD256)
 inline W complement(W a)
 {
-    return exclusive(a, all16(-1));
+    return unlike(a, all16(-1));
 }
 #endif
 

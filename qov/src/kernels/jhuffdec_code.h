@@ -1,4 +1,4 @@
-// Codes of a decoding table: its making, and the look-ups.
+// The look-ups in a decoding table.
 #ifndef QOV_KERNELS_JHUFFDEC_CODE_H
 #define QOV_KERNELS_JHUFFDEC_CODE_H
 

@@ -112,9 +112,8 @@ struct Counter {
     __attribute__((always_inline)) void coefficient(Qov64u distance, Qov64u magnitude, Qov64u, bool)
     {
         const Qov64u size = 64 - leadingZeros(magnitude);
-        if (size < 16)
-            symbol( // the coding pass refuses 16
-                Qov32u(distance * 16 - 16 + size));
+        if (size == 16) return; // the coding pass refuses it
+        symbol(Qov32u(distance * 16 - 16 + size));
     }
     __attribute__((always_inline)) void newCoefficient(int run, bool, Places, Places)
     {

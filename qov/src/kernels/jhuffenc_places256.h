@@ -7,13 +7,11 @@
 namespace qov::QOV_LEVEL {
 namespace {
 
-QOV_W_OP2(W, packSigned16, packs_epi16)
 QOV_W_OP2(W, equal16, cmpeq_epi16)
 QOV_W_OP2(W, copySign16, sign_epi16)
 QOV_W_OP1(W, abs8, abs_epi8)
 QOV_W_OP2(W, add8, add_epi8)
 #if defined(__AVX2__)
-QOV_W_OP2(W, exclusive, xor_si256)
 QOV_INLINE W shiftMagnitude(W a, int n)
 {
     return _mm256_srl_epi16(_mm256_abs_epi16(a), _mm_cvtsi32_si128(n));
@@ -23,7 +21,6 @@ QOV_INLINE Qov32u highBits(W bytes)
     return Qov32u(_mm256_movemask_epi8(bytes));
 }
 #else
-QOV_W_OP2(W, exclusive, xor_si128)
 QOV_INLINE W shiftMagnitude(W a, int n)
 {
     const __m128i shift = _mm_cvtsi32_si128(n);
@@ -86,7 +83,7 @@ public:
             const W c = load(src + 16 * i), magnitude = shiftMagnitude(c, al);
             zeros[i] = equal16(magnitude, zero);
             store(m_magnitude + 16 * i, magnitude);
-            store(m_bits + 16 * i, exclusive(magnitude, shiftRight16<15>(c)));
+            store(m_bits + 16 * i, unlike(magnitude, shiftRight16<15>(c)));
         }
         m_nonZero = ~inZigzag<false>(zeros[0], zeros[1], zeros[2], zeros[3]).highBitPlaces();
     }

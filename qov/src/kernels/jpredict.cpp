@@ -41,7 +41,6 @@ QOV_INLINE W moveUpOne(W a, W b)
     return {_mm_alignr_epi8(b.lo, a.hi, 14), _mm_alignr_epi8(b.hi, b.lo, 14)};
 }
 #endif
-QOV_W_IMM1(W, shiftRightUnsigned16, srli_epi16)
 QOV_W_OP2(W, mulLow32, mullo_epi32)
 QOV_W_IMM1(W, shuffleDwords, shuffle_epi32)
 
@@ -114,12 +113,12 @@ QOV_INLINE Qov16u halfSum(Qov16u a, Qov16u b)
 // In lanes of 16 bits: a - b = (a ^ b) - 2 (~a & b), a + b = (a ^ b) + 2 (a & b).
 QOV_INLINE Words halfDifference(Words a, Words b)
 {
-    return {sub16(shiftRightUnsigned16<1>(unlike(a.w, b.w)), notFirstAnd(a.w, b.w))};
+    return {sub16(shiftRightU16<1>(unlike(a.w, b.w)), notFirstAnd(a.w, b.w))};
 }
 
 QOV_INLINE Words halfSum(Words a, Words b)
 {
-    return {add16(shiftRightUnsigned16<1>(unlike(a.w, b.w)), both(a.w, b.w))};
+    return {add16(shiftRightU16<1>(unlike(a.w, b.w)), both(a.w, b.w))};
 }
 #endif
 

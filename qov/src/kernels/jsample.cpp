@@ -11,8 +11,6 @@ QOV_W_SET(W, all8, char, set1_epi8)
 QOV_W_OP2(W, sub8, sub_epi8)
 QOV_W_OP2(W, average8, avg_epu8)   // (a + b + 1) >> 1
 QOV_W_OP2(W, average16, avg_epu16) // the same
-QOV_W_OP2(W, highBytes, unpackhi_epi8)
-QOV_W_OP2(W, multiplyAddBytes, maddubs_epi16) // pairs of bytes: unsigned a times signed b, summed
 QOV_W_IMM1(W, shiftLeft16, slli_epi16)
 
 // (a + b) >> 1. Not by complements, for which compilers write vpternlog on a stale register at v4.

@@ -17,8 +17,6 @@ namespace {
 
 #if defined(QOV_SIMD256)
 
-QOV_W_OP2(W, highBytes, unpackhi_epi8)
-
 constexpr int pixelsAtOnce = 32;
 
 // One lane of constant bytes, as a function of their place.

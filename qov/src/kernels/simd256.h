@@ -83,14 +83,18 @@ QOV_W_OP2(W, sub16, sub_epi16)
 QOV_W_OP2(W, add32, add_epi32)
 QOV_W_OP2(W, sub32, sub_epi32)
 QOV_W_OP2(W, mulLow16, mullo_epi16)
-QOV_W_OP2(W, mulRound16, mulhrs_epi16) // (a b + 2^14) >> 15
-QOV_W_OP2(W, multiplyAdd, madd_epi16)  // pairs of words: a0 b0 + a1 b1
+QOV_W_OP2(W, mulHigh16, mulhi_epi16)          // (a b) >> 16
+QOV_W_OP2(W, mulRound16, mulhrs_epi16)        // (a b + 2^14) >> 15
+QOV_W_OP2(W, multiplyAdd, madd_epi16)         // pairs of words: a0 b0 + a1 b1
+QOV_W_OP2(W, multiplyAddBytes, maddubs_epi16) // pairs of bytes: unsigned a times signed b, summed
 QOV_W_OP2(W, maxU16, max_epu16)
 QOV_W_OP2(W, minU16, min_epu16)
 QOV_W_OP2(W, subSaturateU16, subs_epu16)
 QOV_W_OP2(W, pack32, packs_epi32)
+QOV_W_OP2(W, packSigned16, packs_epi16)
 QOV_W_OP2(W, packU16, packus_epi16)
 QOV_W_OP2(W, lowBytes, unpacklo_epi8)
+QOV_W_OP2(W, highBytes, unpackhi_epi8)
 QOV_W_OP2(W, lowWords, unpacklo_epi16)
 QOV_W_OP2(W, highWords, unpackhi_epi16)
 QOV_W_OP2(W, lowDwords, unpacklo_epi32)
@@ -100,6 +104,7 @@ QOV_W_OP2(W, highQwords, unpackhi_epi64)
 QOV_W_OP2(W, shuffleBytes, shuffle_epi8)
 QOV_W_OP1(W, abs16, abs_epi16)
 QOV_W_IMM1(W, shiftRight16, srai_epi16)
+QOV_W_IMM1(W, shiftRightU16, srli_epi16)
 QOV_W_IMM1(W, shiftRight32, srai_epi32)
 QOV_W_CVT(F, W, toFloat, cvtepi32_ps)
 QOV_W_CVT(W, F, toNearest, cvtps_epi32)
