@@ -131,7 +131,7 @@ double psnr(const std::string& a, const std::string& b, size_t samples)
 std::string le(unsigned value, int bytes)
 {
     std::string text;
-    for (int i = 0; i < bytes; i++) text += static_cast<char>(value >> 8 * i);
+    for (int i = 0; i < bytes; i++, value >>= 8) text += static_cast<char>(value);
     return text;
 }
 
