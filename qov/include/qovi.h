@@ -10,11 +10,17 @@
 
 #include "qovdefs.h"
 #include "qovicolor.h"
+#include "qovicomponent.h"
 #include "qovicopy.h"
 #include "qovidct.h"
 #include "qovihuffman.h"
+#include "qovihuffrow.h"
+#include "qovimcu.h"
+#include "qovipacked.h"
 #include "qovipredict.h"
+#include "qoviresample.h"
 #include "qovisample.h"
+#include "qovitiff.h"
 
 QOV_API const QovLibraryVersion* qoviGetLibVersion(void);
 

@@ -14,20 +14,32 @@
 
 QOV_API QovStatus qoviRGBToY_JPEG_8u_C3C1R(const Qov8u* pSrc, int srcStep, Qov8u* pDst, int dstStep,
                                            QoviSize roi);
+QOV_API QovStatus qoviBGRToY_JPEG_8u_C3C1R(const Qov8u* pSrc, int srcStep, Qov8u* pDst, int dstStep,
+                                           QoviSize roi);
+QOV_API QovStatus qoviRGBToY_JPEG_8u_P3C1R(const Qov8u* const pSrc[3], int srcStep, Qov8u* pDst, int dstStep,
+                                           QoviSize roi);
 QOV_API QovStatus qoviRGBToYCbCr_JPEG_8u_C3P3R(const Qov8u* pSrc, int srcStep, Qov8u* const pDst[3],
                                                int dstStep, QoviSize roi);
 QOV_API QovStatus qoviBGRToYCbCr_JPEG_8u_C3P3R(const Qov8u* pSrc, int srcStep, Qov8u* const pDst[3],
                                                int dstStep, QoviSize roi);
+QOV_API QovStatus qoviRGBToYCbCr_JPEG_8u_P3R(const Qov8u* const pSrc[3], int srcStep, Qov8u* const pDst[3],
+                                             int dstStep, QoviSize roi);
 QOV_API QovStatus qoviYCbCrToRGB_JPEG_8u_P3C3R(const Qov8u* const pSrc[3], int srcStep, Qov8u* pDst,
                                                int dstStep, QoviSize roi);
 QOV_API QovStatus qoviYCbCrToBGR_JPEG_8u_P3C3R(const Qov8u* const pSrc[3], int srcStep, Qov8u* pDst,
                                                int dstStep, QoviSize roi);
+QOV_API QovStatus qoviYCbCrToRGB_JPEG_8u_P3R(const Qov8u* const pSrc[3], int srcStep, Qov8u* const pDst[3],
+                                             int dstStep, QoviSize roi);
 
 // R, G, B = 255 - C, 255 - M, 255 - Y, then as above; K is copied. Back is the mirror.
 QOV_API QovStatus qoviCMYKToYCCK_JPEG_8u_C4P4R(const Qov8u* pSrc, int srcStep, Qov8u* const pDst[4],
                                                int dstStep, QoviSize roi);
+QOV_API QovStatus qoviCMYKToYCCK_JPEG_8u_P4R(const Qov8u* const pSrc[4], int srcStep, Qov8u* const pDst[4],
+                                             int dstStep, QoviSize roi);
 QOV_API QovStatus qoviYCCKToCMYK_JPEG_8u_P4C4R(const Qov8u* const pSrc[4], int srcStep, Qov8u* pDst,
                                                int dstStep, QoviSize roi);
+QOV_API QovStatus qoviYCCKToCMYK_JPEG_8u_P4R(const Qov8u* const pSrc[4], int srcStep, Qov8u* const pDst[4],
+                                             int dstStep, QoviSize roi);
 
 // Y0 Cb Y1 Cr, two bytes a pixel, from and to planes; the chroma planes have (width + 1) / 2 columns. An odd
 // width ends in Y Cb: the last column has the Cr of the pair before it (128 if there is none).

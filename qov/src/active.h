@@ -5,27 +5,39 @@
 #include "kernels/copy.h"
 #include "kernels/jadd.h"
 #include "kernels/jcolor.h"
+#include "kernels/jcomponent.h"
 #include "kernels/jdctfwd.h"
 #include "kernels/jdctinv.h"
 #include "kernels/jhuffdec.h"
 #include "kernels/jhuffenc.h"
+#include "kernels/jhuffrow.h"
+#include "kernels/jmcu.h"
+#include "kernels/jpacked.h"
 #include "kernels/jpredict.h"
 #include "kernels/jquant.h"
+#include "kernels/jresample.h"
 #include "kernels/jsample.h"
+#include "kernels/tiff.h"
 
 // Every family once: F(x, name in the table, its struct).
 // clang-format off
-#define QOV_FAMILIES(F, x)          \
-    F(x, add, AddKernels)           \
-    F(x, color, ColorKernels)       \
-    F(x, copy, CopyKernels)         \
-    F(x, dctFwd, DctFwdKernels)     \
-    F(x, dctInv, DctInvKernels)     \
-    F(x, huffDec, HuffDecKernels)   \
-    F(x, huffEnc, HuffEncKernels)   \
-    F(x, predict, PredictKernels)   \
-    F(x, quant, QuantKernels)       \
-    F(x, sample, SampleKernels)
+#define QOV_FAMILIES(F, x)            \
+    F(x, add, AddKernels)             \
+    F(x, color, ColorKernels)         \
+    F(x, component, ComponentKernels) \
+    F(x, copy, CopyKernels)           \
+    F(x, dctFwd, DctFwdKernels)       \
+    F(x, dctInv, DctInvKernels)       \
+    F(x, huffDec, HuffDecKernels)     \
+    F(x, huffEnc, HuffEncKernels)     \
+    F(x, huffRow, HuffRowKernels)     \
+    F(x, mcu, McuKernels)             \
+    F(x, packed, PackedKernels)       \
+    F(x, predict, PredictKernels)     \
+    F(x, quant, QuantKernels)         \
+    F(x, resample, ResampleKernels)   \
+    F(x, sample, SampleKernels)       \
+    F(x, tiff, TiffKernels)
 // clang-format on
 
 namespace qov {

@@ -9,6 +9,17 @@ QovStatus qoviRGBToY_JPEG_8u_C3C1R(const Qov8u* pSrc, int srcStep, Qov8u* pDst, 
     return split(active.color->rgbToY, 3, 1, pSrc, srcStep, &pDst, dstStep, roi);
 }
 
+QovStatus qoviBGRToY_JPEG_8u_C3C1R(const Qov8u* pSrc, int srcStep, Qov8u* pDst, int dstStep, QoviSize roi)
+{
+    return split(active.color->bgrToY, 3, 1, pSrc, srcStep, &pDst, dstStep, roi);
+}
+
+QovStatus qoviRGBToY_JPEG_8u_P3C1R(const Qov8u* const pSrc[3], int srcStep, Qov8u* pDst, int dstStep,
+                                   QoviSize roi)
+{
+    return convert(active.color->planesToY, Planes(pSrc, srcStep, 3), Planes(&pDst, dstStep, 1), roi);
+}
+
 QovStatus qoviRGBToYCbCr_JPEG_8u_C3P3R(const Qov8u* pSrc, int srcStep, Qov8u* const pDst[3], int dstStep,
                                        QoviSize roi)
 {
@@ -19,6 +30,12 @@ QovStatus qoviBGRToYCbCr_JPEG_8u_C3P3R(const Qov8u* pSrc, int srcStep, Qov8u* co
                                        QoviSize roi)
 {
     return split(active.color->bgrToYCbCr, 3, 3, pSrc, srcStep, pDst, dstStep, roi);
+}
+
+QovStatus qoviRGBToYCbCr_JPEG_8u_P3R(const Qov8u* const pSrc[3], int srcStep, Qov8u* const pDst[3],
+                                     int dstStep, QoviSize roi)
+{
+    return convert(active.color->planesToYCbCr, Planes(pSrc, srcStep, 3), Planes(pDst, dstStep, 3), roi);
 }
 
 QovStatus qoviYCbCrToRGB_JPEG_8u_P3C3R(const Qov8u* const pSrc[3], int srcStep, Qov8u* pDst, int dstStep,
@@ -33,16 +50,34 @@ QovStatus qoviYCbCrToBGR_JPEG_8u_P3C3R(const Qov8u* const pSrc[3], int srcStep, 
     return join(active.color->yCbCrToBgr, 3, pSrc, srcStep, pDst, dstStep, roi);
 }
 
+QovStatus qoviYCbCrToRGB_JPEG_8u_P3R(const Qov8u* const pSrc[3], int srcStep, Qov8u* const pDst[3],
+                                     int dstStep, QoviSize roi)
+{
+    return convert(active.color->planesToRgb, Planes(pSrc, srcStep, 3), Planes(pDst, dstStep, 3), roi);
+}
+
 QovStatus qoviCMYKToYCCK_JPEG_8u_C4P4R(const Qov8u* pSrc, int srcStep, Qov8u* const pDst[4], int dstStep,
                                        QoviSize roi)
 {
     return split(active.color->cmykToYcck, 4, 4, pSrc, srcStep, pDst, dstStep, roi);
 }
 
+QovStatus qoviCMYKToYCCK_JPEG_8u_P4R(const Qov8u* const pSrc[4], int srcStep, Qov8u* const pDst[4],
+                                     int dstStep, QoviSize roi)
+{
+    return convert(active.color->planesToYcck, Planes(pSrc, srcStep, 4), Planes(pDst, dstStep, 4), roi);
+}
+
 QovStatus qoviYCCKToCMYK_JPEG_8u_P4C4R(const Qov8u* const pSrc[4], int srcStep, Qov8u* pDst, int dstStep,
                                        QoviSize roi)
 {
     return join(active.color->ycckToCmyk, 4, pSrc, srcStep, pDst, dstStep, roi);
+}
+
+QovStatus qoviYCCKToCMYK_JPEG_8u_P4R(const Qov8u* const pSrc[4], int srcStep, Qov8u* const pDst[4],
+                                     int dstStep, QoviSize roi)
+{
+    return convert(active.color->planesToCmyk, Planes(pSrc, srcStep, 4), Planes(pDst, dstStep, 4), roi);
 }
 
 namespace {

@@ -45,9 +45,16 @@ QovStatus join(const Arguments& a)
     return function(a.src, a.srcStep[0], a.dst[0], a.dstStep[0], a.roi);
 }
 
+template <auto function>
+QovStatus planes(const Arguments& a)
+{
+    return function(a.src, a.srcStep[0], a.dst, a.dstStep[0], a.roi);
+}
+
+template <auto function>
 QovStatus luma(const Arguments& a)
 {
-    return qoviRGBToY_JPEG_8u_C3C1R(a.src[0], a.srcStep[0], a.dst[0], a.dstStep[0], a.roi);
+    return function(a.src[0], a.srcStep[0], a.dst[0], a.dstStep[0], a.roi);
 }
 
 QovStatus split422(const Arguments& a)
@@ -64,7 +71,16 @@ const struct {
     PlanesFunction function;
     Colour (*real)(const Colour&);
 } conversions[] = {
-    {{"RGBToY", {3}, {1}, luma}, toYCbCr},
+    {{"RGBToY", {3}, {1}, luma<qoviRGBToY_JPEG_8u_C3C1R>}, toYCbCr},
+    {{"BGRToY", {3}, {1}, luma<qoviBGRToY_JPEG_8u_C3C1R>},
+     [](const Colour& c) { return toYCbCr(swapped(c)); }},
+    {{"RGBToY P3", {1, 1, 1}, {1}, join<qoviRGBToY_JPEG_8u_P3C1R>}, toYCbCr},
+    {{"RGBToYCbCr P3", {1, 1, 1}, {1, 1, 1}, planes<qoviRGBToYCbCr_JPEG_8u_P3R>}, toYCbCr},
+    {{"YCbCrToRGB P3", {1, 1, 1}, {1, 1, 1}, planes<qoviYCbCrToRGB_JPEG_8u_P3R>}, toRgb},
+    {{"CMYKToYCCK P4", {1, 1, 1, 1}, {1, 1, 1, 1}, planes<qoviCMYKToYCCK_JPEG_8u_P4R>},
+     [](const Colour& c) { return toYCbCr(complement(c)); }},
+    {{"YCCKToCMYK P4", {1, 1, 1, 1}, {1, 1, 1, 1}, planes<qoviYCCKToCMYK_JPEG_8u_P4R>},
+     [](const Colour& c) { return complement(toRgb(c)); }},
     {{"RGBToYCbCr", {3}, {1, 1, 1}, split<qoviRGBToYCbCr_JPEG_8u_C3P3R>}, toYCbCr},
     {{"BGRToYCbCr", {3}, {1, 1, 1}, split<qoviBGRToYCbCr_JPEG_8u_C3P3R>},
      [](const Colour& c) { return toYCbCr(swapped(c)); }},

@@ -31,6 +31,7 @@ struct PlanesFunction {
     const char* name;
     Layout src, dst;
     std::function<QovStatus(const Arguments&)> call;
+    int unit = 1; // bytes that addresses and steps are multiples of
 };
 
 // Channel c of pixel x of row y, in planes or interleaved.
@@ -53,9 +54,9 @@ inline void comparePictures(const PlanesFunction& f, bool ownSteps, int rounds,
         SCOPED_TRACE(testing::Message() << f.name << " " << a.roi.width << "x" << a.roi.height);
         const bool packed = random.oneIn(3);
         auto makeSteps = [&](const Layout& layout, int* steps) {
-            int gap = random.in(0, 40);
+            int gap = f.unit * random.in(0, 40);
             for (size_t i = 0; i < layout.size(); i++) {
-                if (ownSteps) gap = random.in(0, 40);
+                if (ownSteps) gap = f.unit * random.in(0, 40);
                 steps[i] = int(rowBytes(layout[i], a.roi.width)) + (packed ? 0 : gap);
             }
         };
@@ -65,14 +66,14 @@ inline void comparePictures(const PlanesFunction& f, bool ownSteps, int rounds,
         // A source is a block of its own that ends with the last pixel, for the address sanitizer.
         std::unique_ptr<Qov8u[]> blocks[4];
         for (size_t i = 0; i < f.src.size(); i++) {
-            const size_t misfit = size_t(random.in(0, 31));
+            const size_t misfit = size_t(f.unit * random.in(0, 31));
             const size_t bytes =
                 misfit + size_t(a.srcStep[i]) * size_t(a.roi.height - 1) + rowBytes(f.src[i], a.roi.width);
             blocks[i] = std::make_unique<Qov8u[]>(bytes);
             for (size_t k = 0; k < bytes; k++) blocks[i][k] = random.value<Qov8u>();
             a.src[i] = blocks[i].get() + misfit;
         }
-        const size_t offset = size_t(random.in(0, 63));
+        const size_t offset = size_t(f.unit * random.in(0, 63));
         auto makeDestinations = [&](std::vector<Guarded>& to) {
             to.clear();
             for (size_t i = 0; i < f.dst.size(); i++)

@@ -8,12 +8,18 @@ namespace qov {
 
 struct ColorKernels {
     SplitPlanes* rgbToY;
+    SplitPlanes* bgrToY;
     SplitPlanes* rgbToYCbCr;
     SplitPlanes* bgrToYCbCr;
     SplitPlanes* cmykToYcck;
     JoinPlanes* yCbCrToRgb;
     JoinPlanes* yCbCrToBgr;
     JoinPlanes* ycckToCmyk;
+    ConvertPlanes* planesToY;
+    ConvertPlanes* planesToYCbCr;
+    ConvertPlanes* planesToRgb;
+    ConvertPlanes* planesToYcck;
+    ConvertPlanes* planesToCmyk;
     void (*split422)(const Qov8u* src, ptrdiff_t srcStep, Qov8u* const dst[3], const int dstStep[3],
                      QoviSize roi);
     void (*join422)(const Qov8u* const src[3], const int srcStep[3], Qov8u* dst, ptrdiff_t dstStep,

@@ -1,7 +1,7 @@
 #include "jhuffdec.h"
 
 #include "jhuffdec_block.h"
-#include "jhuffdec_code.h"
+#include "jhuffdec_difference.h"
 #include "jhuffdec_refine.h"
 #include "zigzag.h"
 
@@ -9,28 +9,6 @@ namespace qov::QOV_LEVEL {
 namespace {
 
 const int blockLength = 64;
-const int maxSize = 15;     // of a coefficient
-const int maxCategory = 16; // of a difference
-
-// A difference (F.2.2.1, H.1.2.2). Only 32768 is of category 16, and no bits follow. False: the code or the
-// category is not one. Behind it there are 56 bits less one window at least, unless the data end.
-inline bool takeDifference(BitReader& in, const HuffDecSpec* spec, int highestCategory, int& difference)
-{
-    const Qov32u entry = look(in, spec);
-    difference = valueOf(entry);
-    if (difference) [[likely]] {
-        in.skip(lengthOf(entry));
-        return runEndOf(entry) == 1;
-    }
-    const int category = takeSymbol(in, spec, entry);
-    if (category > highestCategory) return false;
-    if (category == maxCategory)
-        difference = -32768;
-    else if (category > 0)
-        difference = in.takeValue(category);
-    in.refill();
-    return true;
-}
 
 // What comes when a sequential block's bits have run dry.
 QovStatus flatBlock(Qov16s* dst, const Qov16s* lastDC, int* marker, const HuffDecState* state)

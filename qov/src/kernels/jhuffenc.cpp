@@ -1,16 +1,10 @@
-#include "jhuffenc_bits.h"
+#include "jhuffenc_difference.h"
 #include "jhuffenc_places.h"
 
 namespace qov::QOV_LEVEL {
 namespace {
 
 const Qov32u endOfBlock = 0x00, zeroRun16 = 0xF0; // AC symbols
-
-// The low `size` bits of a value, size 0 to 16.
-QOV_INLINE Qov32u lowBits(Qov32u value, int size)
-{
-    return value & ((1u << size) - 1);
-}
 
 // In 64 bits; magnitude not 0.
 QOV_INLINE Qov64u leadingZeros(Qov64u magnitude)
@@ -21,20 +15,6 @@ QOV_INLINE Qov64u leadingZeros(Qov64u magnitude)
     return Qov64u(__builtin_clzll(magnitude));
 #endif
 }
-
-// Bits of a magnitude of 0 to 32768.
-QOV_INLINE int sizeOf(int magnitude)
-{
-    return 31 - __builtin_clz(2u * Qov32u(magnitude) + 1);
-}
-
-// A difference: its category, then as many bits, one less of a negative one (F.1.2.1).
-struct Difference {
-    int value, category;
-
-    explicit Difference(int d) : value(d), category(sizeOf(magnitudeOf(d))) {}
-    Qov32u bits(int size) const { return lowBits(Qov32u(value + (value >> 31)), size); }
-};
 
 QOV_INLINE Difference fromLast(int value, Qov16s last)
 {
@@ -163,11 +143,7 @@ QovStatus codeBlock(const Qov16s* src, Qov8u* dst, int dstLen, int* pos, Qov16s*
 QovStatus codeOne(const Qov16s* src, Qov8u* dst, int dstLen, int* pos, const HuffEncSpec* spec,
                   HuffEncState* state)
 {
-    return intoBuffer(dst, dstLen, pos, state, [&](BitWriter& out) {
-        const Difference difference(*src);
-        const int size = difference.category & 15; // none of category 16
-        out.putSymbol(spec, Qov32u(difference.category), difference.bits(size), Qov32u(size));
-    });
+    return intoBuffer(dst, dstLen, pos, state, [&](BitWriter& out) { putDifference(out, spec, *src); });
 }
 
 QovStatus codeDCFirst(const Qov16s* src, Qov8u* dst, int dstLen, int* pos, Qov16s* lastDC, int al,

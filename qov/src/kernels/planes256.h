@@ -1,4 +1,4 @@
-// Pictures of 8-bit pixels, interleaved on one side and planar on the other, through a conversion:
+// Pictures of 8-bit pixels, interleaved or planar on either side, through a conversion:
 //
 //   struct Conversion {
 //       static constexpr int sources, destinations;
@@ -137,10 +137,8 @@ constexpr LaneBytes spreadThird[3] = {LaneBytes([](int p) { return 11 * p % 16; 
                                       LaneBytes([](int p) { return 11 * (p + 15) % 16; }),
                                       LaneBytes([](int p) { return 11 * (p + 14) % 16; })};
 
-inline void splitChannels(const Qov8u* src, W (&out)[3])
+inline void splitChunks(const W (&chunk)[3], W (&out)[3])
 {
-    W chunk[3];
-    loadChunks(src, chunk);
     for (int c = 0; c < 3; c++) {
         const W later = selectBytes(constant(everyThird[(c + 2) % 3]), chunk[1], chunk[2]);
         out[c] =
@@ -148,15 +146,14 @@ inline void splitChannels(const Qov8u* src, W (&out)[3])
     }
 }
 
-inline void joinChannels(const W (&in)[3], Qov8u* dst)
+inline void joinChunks(const W (&in)[3], W (&chunk)[3])
 {
-    W spread[3], chunk[3];
+    W spread[3];
     for (int c = 0; c < 3; c++) spread[c] = shuffleBytes(in[c], constant(spreadThird[c]));
     for (int k = 0; k < 3; k++) {
         const W later = selectBytes(constant(everyThird[1]), spread[(k + 1) % 3], spread[(k + 2) % 3]);
         chunk[k] = selectBytes(constant(everyThird[0]), spread[k], later);
     }
-    storeChunks(dst, chunk);
 }
 
 // Four channels: chunk k is ordered into dwords of one channel each, that of channel c at (c + k) % 4. Then a
@@ -181,21 +178,38 @@ inline void exchangeDwords(W (&a)[4])
     a[3] = alternateDwords(odd0, even2);
 }
 
-inline void splitChannels(const Qov8u* src, W (&out)[4])
+inline void splitChunks(const W (&chunk)[4], W (&out)[4])
 {
-    loadChunks(src, out);
-    for (int k = 0; k < 4; k++) out[k] = shuffleBytes(out[k], constant(groupFour[k]));
+    for (int k = 0; k < 4; k++) out[k] = shuffleBytes(chunk[k], constant(groupFour[k]));
     exchangeDwords(out);
     out[1] = rotateDwords<1>(out[1]);
     out[2] = rotateDwords<2>(out[2]);
     out[3] = rotateDwords<3>(out[3]);
 }
 
-inline void joinChannels(const W (&in)[4], Qov8u* dst)
+inline void joinChunks(const W (&in)[4], W (&chunk)[4])
 {
-    W chunk[4] = {in[0], rotateDwords<3>(in[1]), rotateDwords<2>(in[2]), rotateDwords<1>(in[3])};
+    chunk[0] = in[0];
+    chunk[1] = rotateDwords<3>(in[1]);
+    chunk[2] = rotateDwords<2>(in[2]);
+    chunk[3] = rotateDwords<1>(in[3]);
     exchangeDwords(chunk);
     for (int k = 0; k < 4; k++) chunk[k] = shuffleBytes(chunk[k], constant(ungroupFour[k]));
+}
+
+template <int channels>
+inline void splitChannels(const Qov8u* src, W (&out)[channels])
+{
+    W chunk[channels];
+    loadChunks(src, chunk);
+    splitChunks(chunk, out);
+}
+
+template <int channels>
+inline void joinChannels(const W (&in)[channels], Qov8u* dst)
+{
+    W chunk[channels];
+    joinChunks(in, chunk);
     storeChunks(dst, chunk);
 }
 
@@ -215,48 +229,98 @@ inline void convertRow(const Row& row, ptrdiff_t width)
     for (ptrdiff_t x = 0; x < width; x++) row.one(x);
 }
 
-template <class Conversion>
-struct SplitRow {
-    const Qov8u* src;
-    Qov8u* dst[Conversion::destinations];
+// As convertRow, for rows of pairs of pixels, of which an odd width has half of one.
+template <class Row>
+inline void convertPairs(const Row& row, ptrdiff_t width)
+{
+    const ptrdiff_t even = width & ~ptrdiff_t(1);
+    ptrdiff_t x = 0;
+#if defined(QOV_SIMD256)
+    if (const ptrdiff_t last = even - pixelsAtOnce; last >= 0)
+        for (; x < even; x += pixelsAtOnce) row.vector(x < last ? x : last);
+#endif
+    for (; x < even; x += 2) row.pair(x);
+    if (even < width) row.lastOdd(even);
+}
 
-    inline void one(ptrdiff_t x) const
+// A side of a row: where the samples of pixel x lie, or those of the vector that starts there.
+template <class T, int channels>
+struct InterleavedRow {
+    T* pixels;
+
+    static ptrdiff_t bytes(ptrdiff_t width) { return width * channels; }
+    inline void next(ptrdiff_t step) { pixels += step; }
+    inline void get(ptrdiff_t x, Qov8u (&to)[channels]) const
     {
-        Qov8u in[Conversion::sources], out[Conversion::destinations];
-        for (int i = 0; i < Conversion::sources; i++) in[i] = src[x * Conversion::sources + i];
-        Conversion::convert(in, out);
-        for (int i = 0; i < Conversion::destinations; i++) dst[i][x] = out[i];
+        for (int i = 0; i < channels; i++) to[i] = pixels[x * channels + i];
+    }
+    inline void put(ptrdiff_t x, const Qov8u (&from)[channels]) const
+    {
+        for (int i = 0; i < channels; i++) pixels[x * channels + i] = from[i];
     }
 #if defined(QOV_SIMD256)
-    inline void vector(ptrdiff_t x) const
+    inline void get(ptrdiff_t x, W (&to)[channels]) const
     {
-        W in[Conversion::sources], out[Conversion::destinations];
-        splitChannels(src + x * Conversion::sources, in);
-        Conversion::convert(in, out);
-        for (int i = 0; i < Conversion::destinations; i++) store(dst[i] + x, out[i]);
+        splitChannels(pixels + x * channels, to);
+    }
+    inline void put(ptrdiff_t x, const W (&from)[channels]) const
+    {
+        joinChannels(from, pixels + x * channels);
     }
 #endif
 };
 
-template <class Conversion>
-struct JoinRow {
-    const Qov8u* src[Conversion::sources];
-    Qov8u* dst;
+template <class T, int channels>
+struct PlanarRow {
+    T* plane[channels];
 
-    inline void one(ptrdiff_t x) const
+    explicit PlanarRow(T* const planes[])
     {
-        Qov8u in[Conversion::sources], out[Conversion::destinations];
-        for (int i = 0; i < Conversion::sources; i++) in[i] = src[i][x];
-        Conversion::convert(in, out);
-        for (int i = 0; i < Conversion::destinations; i++) dst[x * Conversion::destinations + i] = out[i];
+        for (int i = 0; i < channels; i++) plane[i] = planes[i];
     }
+    static ptrdiff_t bytes(ptrdiff_t width) { return width; }
+    inline void next(ptrdiff_t step)
+    {
+        for (T*& p : plane) p += step;
+    }
+    inline void get(ptrdiff_t x, Qov8u (&to)[channels]) const
+    {
+        for (int i = 0; i < channels; i++) to[i] = plane[i][x];
+    }
+    inline void put(ptrdiff_t x, const Qov8u (&from)[channels]) const
+    {
+        for (int i = 0; i < channels; i++) plane[i][x] = from[i];
+    }
+#if defined(QOV_SIMD256)
+    inline void get(ptrdiff_t x, W (&to)[channels]) const
+    {
+        for (int i = 0; i < channels; i++) to[i] = load(plane[i] + x);
+    }
+    inline void put(ptrdiff_t x, const W (&from)[channels]) const
+    {
+        for (int i = 0; i < channels; i++) store(plane[i] + x, from[i]);
+    }
+#endif
+};
+
+template <class Conversion, class Source, class Destination>
+struct ConvertedRow {
+    Source src;
+    Destination dst;
+
+    template <class T>
+    inline void convert(ptrdiff_t x) const
+    {
+        T in[Conversion::sources], out[Conversion::destinations];
+        src.get(x, in);
+        Conversion::convert(in, out);
+        dst.put(x, out);
+    }
+    inline void one(ptrdiff_t x) const { convert<Qov8u>(x); }
 #if defined(QOV_SIMD256)
     inline void vector(ptrdiff_t x) const
     {
-        W in[Conversion::sources], out[Conversion::destinations];
-        for (int i = 0; i < Conversion::sources; i++) in[i] = load(src[i] + x);
-        Conversion::convert(in, out);
-        joinChannels(out, dst + x * Conversion::destinations);
+        convert<W>(x);
     }
 #endif
 };
@@ -275,32 +339,41 @@ struct Rows {
     }
 };
 
+template <class Conversion, class Source, class Destination>
+inline void convertPicture(Source src, ptrdiff_t srcStep, Destination dst, ptrdiff_t dstStep, QoviSize roi)
+{
+    const Rows rows(roi, srcStep == Source::bytes(roi.width) && dstStep == Destination::bytes(roi.width));
+    ConvertedRow<Conversion, Source, Destination> row = {src, dst};
+    for (ptrdiff_t y = 0; y < rows.count; y++) {
+        convertRow(row, rows.width);
+        row.src.next(srcStep);
+        row.dst.next(dstStep);
+    }
+}
+
 template <class Conversion>
 void splitPicture(const Qov8u* src, ptrdiff_t srcStep, Qov8u* const dst[], ptrdiff_t dstStep, QoviSize roi)
 {
-    const Rows rows(roi, srcStep == ptrdiff_t(roi.width) * Conversion::sources && dstStep == roi.width);
-    SplitRow<Conversion> row;
-    row.src = src;
-    for (int i = 0; i < Conversion::destinations; i++) row.dst[i] = dst[i];
-    for (ptrdiff_t y = 0; y < rows.count; y++) {
-        convertRow(row, rows.width);
-        row.src += srcStep;
-        for (Qov8u*& plane : row.dst) plane += dstStep;
-    }
+    typedef InterleavedRow<const Qov8u, Conversion::sources> Source;
+    typedef PlanarRow<Qov8u, Conversion::destinations> Destination;
+    convertPicture<Conversion>(Source{src}, srcStep, Destination(dst), dstStep, roi);
 }
 
 template <class Conversion>
 void joinPicture(const Qov8u* const src[], ptrdiff_t srcStep, Qov8u* dst, ptrdiff_t dstStep, QoviSize roi)
 {
-    const Rows rows(roi, dstStep == ptrdiff_t(roi.width) * Conversion::destinations && srcStep == roi.width);
-    JoinRow<Conversion> row;
-    for (int i = 0; i < Conversion::sources; i++) row.src[i] = src[i];
-    row.dst = dst;
-    for (ptrdiff_t y = 0; y < rows.count; y++) {
-        convertRow(row, rows.width);
-        for (const Qov8u*& plane : row.src) plane += srcStep;
-        row.dst += dstStep;
-    }
+    typedef PlanarRow<const Qov8u, Conversion::sources> Source;
+    typedef InterleavedRow<Qov8u, Conversion::destinations> Destination;
+    convertPicture<Conversion>(Source(src), srcStep, Destination{dst}, dstStep, roi);
+}
+
+template <class Conversion>
+void convertPlanes(const Qov8u* const src[], ptrdiff_t srcStep, Qov8u* const dst[], ptrdiff_t dstStep,
+                   QoviSize roi)
+{
+    typedef PlanarRow<const Qov8u, Conversion::sources> Source;
+    typedef PlanarRow<Qov8u, Conversion::destinations> Destination;
+    convertPicture<Conversion>(Source(src), srcStep, Destination(dst), dstStep, roi);
 }
 
 } // namespace
