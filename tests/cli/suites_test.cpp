@@ -3,6 +3,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <set>
 #include <string>
 
 #include "program.h"
@@ -14,13 +15,15 @@ using testing::ElementsAre;
 using testing::SizeIs;
 
 struct Runs {
-    Program odd, data, again;
+    Program odd, every, data, again;
 
     Runs()
     {
         const std::string sizes = "1x1; 7x7; 9x9; 8x17; 17x8";
-        odd.start({"-B", "-mp_j", "-dMethod=Manual", "-dNumLoops=2", "-LPERF", "-r", "-dImageSize=" + sizes,
-                   "-dSize=" + sizes});
+        odd.start({"-B", "-mp_jadd", "-mp_jdct", "-mp_jquant", "-dMethod=Manual", "-dNumLoops=2", "-LPERF",
+                   "-r", "-dImageSize=" + sizes, "-dSize=" + sizes});
+        every.start({"-B", "-mp_j", "-m-p_jpeg", "-dMethod=Manual", "-dNumLoops=1", "-r", "-dImageSize=16x16",
+                     "-dSize=16x16", "-dRowWidth=16"});
         const Program::Args args{"-B",     "-fDCTQuantInv8x8LS", "-dMethod=Manual", "-dNumLoops=1",
                                  "-LDATA", "-dSize=9x17"};
         data.start(args);
@@ -74,6 +77,21 @@ TEST(Suites, MeasureOddSizes)
     EXPECT_THAT(rowsOf(table, "qoviDCTQuantInv8x8_JPEG_16s_C1I"), wholeBlocks);
     EXPECT_THAT(rowsOf(table, "qoviQuantFwd8x8_JPEG_16s_C1I"), ElementsAre("- px"));
     EXPECT_THAT(table.rows, SizeIs(2 * 5 + 9 * 5 + 4 * 3 + 2));
+}
+
+// Every primitive is measured at one small size, and no test ends in an error.
+TEST(Suites, MeasureEveryPrimitive)
+{
+    Program& run = runs().every;
+    EXPECT_EQ(run.exitCode(), 0) << run.out();
+    std::set<std::string> measured;
+    for (const std::string& row : performanceTable(run.read("quolkit.csv")).rows) {
+        const Cells cells = split(row, ',');
+        measured.insert(cells[0] + "_" + cells[1] + "_" + cells[2]);
+    }
+    const size_t dct = 2 + 4 + 9 + 2, huffman = 4 + 2 + 2 + 11, color = 29 + 9, sampling = 4 + 4 + 7;
+    EXPECT_THAT(measured,
+                SizeIs(dct + huffman + color + sampling + 19 + 12 + 4 + 4)); // MCUs, prediction, TIFF
 }
 
 // One suite divides by the pixels of whole blocks, the other by those of the image.
