@@ -1,4 +1,5 @@
 #include "active.h"
+#include "huffcheck.h"
 #include "qovihuffman.h"
 #include "qovihuffrow.h"
 
@@ -25,12 +26,6 @@ HuffDecState* inside(QoviDecodeHuffmanState* state)
     return reinterpret_cast<HuffDecState*>(state);
 }
 
-template <class... Pointer>
-bool anyNull(const Pointer*... p)
-{
-    return (... || !p);
-}
-
 template <class Block>
 bool marked(const Block* block)
 {
@@ -54,7 +49,7 @@ QovStatus checkRows(Row const* planes, int width, int rows, const void* coded, i
     if (anyNull(planes, publicSpecs) || anyNull(coded, state) || anyNull(pos, marker)) return qovStsNullPtr;
     if (anyRowNull(planes, rows) || anyRowNull(publicSpecs, rows)) return qovStsNullPtr;
     if (width < 1 || length < 1) return qovStsSize;
-    if (rows < 1 || rows > maxRows || *pos < 0 || *pos > length) return qovStsBadArg;
+    if (rows < 1 || rows > maxRows || badPosition(*pos, length)) return qovStsBadArg;
     for (int r = 0; r < rows; r++) {
         specs[r] = inside(publicSpecs[r]);
         if (!marked(specs[r])) return qovStsContext;
