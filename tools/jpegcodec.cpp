@@ -3,6 +3,7 @@
 #include <exception>
 
 #include "jpegcommands.h"
+#include "qovcore.h"
 
 static const char usage[] =
     "jpegcodec encode [options] IN OUT.jpg      IN: PGM, PPM, PAM (binary) or BMP\n"
@@ -68,6 +69,7 @@ const char* colorName(_JPEG_COLOR color)
 
 int main(int argc, char** argv)
 {
+    qovInit();
     try {
         run(std::vector<std::string>(argv + 1, argv + argc));
         if (std::fflush(stdout) != 0 || std::ferror(stdout))

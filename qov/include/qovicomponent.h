@@ -12,8 +12,9 @@
 //                      Cb = -0.16875 R - 0.33126 G + 0.5 B         G = Y - 0.344136 Cb - 0.714136 Cr
 //                      Cr =  0.5 R     - 0.41869 G - 0.08131 B     B = Y + 1.772 Cb
 //
-// Whole numbers are rounded to nearest (ties to even) and saturated. In 32f a result beyond the type is an
-// infinity and a subnormal number counts as 0; no form raises a floating-point flag, whatever its input.
+// Whole numbers are rounded to nearest (a tie goes up in 16s, either way in 32s) and saturated. In 32f a
+// result beyond the type is an infinity and a subnormal number counts as 0; no form raises a floating-point
+// flag, whatever its input.
 #ifndef QOV_QOVICOMPONENT_H
 #define QOV_QOVICOMPONENT_H
 

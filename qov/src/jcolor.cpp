@@ -4,80 +4,49 @@
 
 using namespace qov;
 
-QovStatus qoviRGBToY_JPEG_8u_C3C1R(const Qov8u* pSrc, int srcStep, Qov8u* pDst, int dstStep, QoviSize roi)
-{
-    return split(active.color->rgbToY, 3, 1, pSrc, srcStep, &pDst, dstStep, roi);
-}
+// The layouts of a conversion of `n` channels.
+#define TO_LUMA(pixels, kernel)                                                                              \
+    QovStatus qovi##pixels##ToY_JPEG_8u_C3C1R(const Qov8u* pSrc, int srcStep, Qov8u* pDst, int dstStep,      \
+                                              QoviSize roi)                                                  \
+    {                                                                                                        \
+        return split(active.color->kernel, 3, 1, pSrc, srcStep, &pDst, dstStep, roi);                        \
+    }
+#define TO_PLANES(name, n, kernel)                                                                           \
+    QovStatus qovi##name##_JPEG_8u_C##n##P##n##R(const Qov8u* pSrc, int srcStep, Qov8u* const pDst[n],       \
+                                                 int dstStep, QoviSize roi)                                  \
+    {                                                                                                        \
+        return split(active.color->kernel, n, n, pSrc, srcStep, pDst, dstStep, roi);                         \
+    }
+#define FROM_PLANES(name, n, kernel)                                                                         \
+    QovStatus qovi##name##_JPEG_8u_P##n##C##n##R(const Qov8u* const pSrc[n], int srcStep, Qov8u* pDst,       \
+                                                 int dstStep, QoviSize roi)                                  \
+    {                                                                                                        \
+        return join(active.color->kernel, n, pSrc, srcStep, pDst, dstStep, roi);                             \
+    }
+#define BETWEEN_PLANES(name, n, kernel)                                                                      \
+    QovStatus qovi##name##_JPEG_8u_P##n##R(const Qov8u* const pSrc[n], int srcStep, Qov8u* const pDst[n],    \
+                                           int dstStep, QoviSize roi)                                        \
+    {                                                                                                        \
+        return convert(active.color->kernel, Planes(pSrc, srcStep, n), Planes(pDst, dstStep, n), roi);       \
+    }
 
-QovStatus qoviBGRToY_JPEG_8u_C3C1R(const Qov8u* pSrc, int srcStep, Qov8u* pDst, int dstStep, QoviSize roi)
-{
-    return split(active.color->bgrToY, 3, 1, pSrc, srcStep, &pDst, dstStep, roi);
-}
+TO_LUMA(RGB, rgbToY)
+TO_LUMA(BGR, bgrToY)
+TO_PLANES(RGBToYCbCr, 3, rgbToYCbCr)
+TO_PLANES(BGRToYCbCr, 3, bgrToYCbCr)
+TO_PLANES(CMYKToYCCK, 4, cmykToYcck)
+FROM_PLANES(YCbCrToRGB, 3, yCbCrToRgb)
+FROM_PLANES(YCbCrToBGR, 3, yCbCrToBgr)
+FROM_PLANES(YCCKToCMYK, 4, ycckToCmyk)
+BETWEEN_PLANES(RGBToYCbCr, 3, planesToYCbCr)
+BETWEEN_PLANES(YCbCrToRGB, 3, planesToRgb)
+BETWEEN_PLANES(CMYKToYCCK, 4, planesToYcck)
+BETWEEN_PLANES(YCCKToCMYK, 4, planesToCmyk)
 
 QovStatus qoviRGBToY_JPEG_8u_P3C1R(const Qov8u* const pSrc[3], int srcStep, Qov8u* pDst, int dstStep,
                                    QoviSize roi)
 {
     return convert(active.color->planesToY, Planes(pSrc, srcStep, 3), Planes(&pDst, dstStep, 1), roi);
-}
-
-QovStatus qoviRGBToYCbCr_JPEG_8u_C3P3R(const Qov8u* pSrc, int srcStep, Qov8u* const pDst[3], int dstStep,
-                                       QoviSize roi)
-{
-    return split(active.color->rgbToYCbCr, 3, 3, pSrc, srcStep, pDst, dstStep, roi);
-}
-
-QovStatus qoviBGRToYCbCr_JPEG_8u_C3P3R(const Qov8u* pSrc, int srcStep, Qov8u* const pDst[3], int dstStep,
-                                       QoviSize roi)
-{
-    return split(active.color->bgrToYCbCr, 3, 3, pSrc, srcStep, pDst, dstStep, roi);
-}
-
-QovStatus qoviRGBToYCbCr_JPEG_8u_P3R(const Qov8u* const pSrc[3], int srcStep, Qov8u* const pDst[3],
-                                     int dstStep, QoviSize roi)
-{
-    return convert(active.color->planesToYCbCr, Planes(pSrc, srcStep, 3), Planes(pDst, dstStep, 3), roi);
-}
-
-QovStatus qoviYCbCrToRGB_JPEG_8u_P3C3R(const Qov8u* const pSrc[3], int srcStep, Qov8u* pDst, int dstStep,
-                                       QoviSize roi)
-{
-    return join(active.color->yCbCrToRgb, 3, pSrc, srcStep, pDst, dstStep, roi);
-}
-
-QovStatus qoviYCbCrToBGR_JPEG_8u_P3C3R(const Qov8u* const pSrc[3], int srcStep, Qov8u* pDst, int dstStep,
-                                       QoviSize roi)
-{
-    return join(active.color->yCbCrToBgr, 3, pSrc, srcStep, pDst, dstStep, roi);
-}
-
-QovStatus qoviYCbCrToRGB_JPEG_8u_P3R(const Qov8u* const pSrc[3], int srcStep, Qov8u* const pDst[3],
-                                     int dstStep, QoviSize roi)
-{
-    return convert(active.color->planesToRgb, Planes(pSrc, srcStep, 3), Planes(pDst, dstStep, 3), roi);
-}
-
-QovStatus qoviCMYKToYCCK_JPEG_8u_C4P4R(const Qov8u* pSrc, int srcStep, Qov8u* const pDst[4], int dstStep,
-                                       QoviSize roi)
-{
-    return split(active.color->cmykToYcck, 4, 4, pSrc, srcStep, pDst, dstStep, roi);
-}
-
-QovStatus qoviCMYKToYCCK_JPEG_8u_P4R(const Qov8u* const pSrc[4], int srcStep, Qov8u* const pDst[4],
-                                     int dstStep, QoviSize roi)
-{
-    return convert(active.color->planesToYcck, Planes(pSrc, srcStep, 4), Planes(pDst, dstStep, 4), roi);
-}
-
-QovStatus qoviYCCKToCMYK_JPEG_8u_P4C4R(const Qov8u* const pSrc[4], int srcStep, Qov8u* pDst, int dstStep,
-                                       QoviSize roi)
-{
-    return join(active.color->ycckToCmyk, 4, pSrc, srcStep, pDst, dstStep, roi);
-}
-
-QovStatus qoviYCCKToCMYK_JPEG_8u_P4R(const Qov8u* const pSrc[4], int srcStep, Qov8u* const pDst[4],
-                                     int dstStep, QoviSize roi)
-{
-    return convert(active.color->planesToCmyk, Planes(pSrc, srcStep, 4), Planes(pDst, dstStep, 4), roi);
 }
 
 namespace {

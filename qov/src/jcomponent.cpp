@@ -8,133 +8,62 @@ using namespace qov;
 namespace {
 
 constexpr int planeCount = 3;
-template <class T>
-constexpr int pixelBytes = int(planeCount * sizeof(T));
 
 template <class T>
-QovStatus inPlace(TransformPlanes<T>* kernel, T* const* planes, int step, QoviSize roi)
+QovStatus inPlace(TransformPlanes<T>* kernel, T* const* data, int step, QoviSize roi)
 {
-    if (nullPlane(planes, planeCount)) return qovStsNullPtr;
+    const Planes planes(data, step, planeCount);
+    if (planes.isNull()) return qovStsNullPtr;
     if (emptySize(roi)) return qovStsSize;
-    if (shortStep(step, roi, int(sizeof(T)))) return qovStsStep;
-    kernel(planes, step, roi);
+    if (planes.isShort(roi)) return qovStsStep;
+    kernel(data, step, roi);
     return qovStsNoErr;
 }
 
-template <class T>
-QovStatus toPlanes(TransformToPlanes<T>* kernel, const T* src, int srcStep, T* const* dst, int dstStep,
-                   QoviSize roi)
-{
-    if (!src || nullPlane(dst, planeCount)) return qovStsNullPtr;
-    if (emptySize(roi)) return qovStsSize;
-    if (shortStep(srcStep, roi, pixelBytes<T>) || shortStep(dstStep, roi, int(sizeof(T)))) return qovStsStep;
-    kernel(src, srcStep, dst, dstStep, roi);
-    return qovStsNoErr;
-}
-
-template <class T>
-QovStatus fromPlanes(TransformFromPlanes<T>* kernel, const T* const* src, int srcStep, T* dst, int dstStep,
-                     QoviSize roi)
-{
-    if (nullPlane(src, planeCount) || !dst) return qovStsNullPtr;
-    if (emptySize(roi)) return qovStsSize;
-    if (shortStep(srcStep, roi, int(sizeof(T))) || shortStep(dstStep, roi, pixelBytes<T>)) return qovStsStep;
-    kernel(src, srcStep, dst, dstStep, roi);
-    return qovStsNoErr;
-}
+struct WholeNumbers {}; // the floating-point state does not matter
 
 } // namespace
 
-QovStatus qoviRCTFwd_JPEG2K_16s_P3IR(Qov16s* const pSrcDst[3], int srcDstStep, QoviSize roi)
-{
-    return inPlace(active.component->rctFwd16s, pSrcDst, srcDstStep, roi);
-}
+// The forms of a transform, for elements of a type; the call happens under a State.
+#define IN_PLACE(transform, type, kernel, State)                                                             \
+    QovStatus qovi##transform##_JPEG2K_##type##_P3IR(Qov##type* const pSrcDst[3], int srcDstStep,            \
+                                                     QoviSize roi)                                           \
+    {                                                                                                        \
+        [[maybe_unused]] const State state;                                                                  \
+        return inPlace(active.component->kernel##type, pSrcDst, srcDstStep, roi);                            \
+    }
+#define TO_PLANES(transform, type, kernel, State)                                                            \
+    QovStatus qovi##transform##_JPEG2K_##type##_C3P3R(const Qov##type* pSrc, int srcStep,                    \
+                                                      Qov##type* const pDst[3], int dstStep, QoviSize roi)   \
+    {                                                                                                        \
+        [[maybe_unused]] const State state;                                                                  \
+        return convert(active.component->kernel##type, Pixels(pSrc, srcStep, planeCount),                    \
+                       Planes(pDst, dstStep, planeCount), roi);                                              \
+    }
+#define FROM_PLANES(transform, type, kernel, State)                                                          \
+    QovStatus qovi##transform##_JPEG2K_##type##_P3C3R(const Qov##type* const pSrc[3], int srcStep,           \
+                                                      Qov##type* pDst, int dstStep, QoviSize roi)            \
+    {                                                                                                        \
+        [[maybe_unused]] const State state;                                                                  \
+        return convert(active.component->kernel##type, Planes(pSrc, srcStep, planeCount),                    \
+                       Pixels(pDst, dstStep, planeCount), roi);                                              \
+    }
 
-QovStatus qoviRCTFwd_JPEG2K_32s_P3IR(Qov32s* const pSrcDst[3], int srcDstStep, QoviSize roi)
-{
-    return inPlace(active.component->rctFwd32s, pSrcDst, srcDstStep, roi);
-}
+#define REVERSIBLE(type)                                                                                     \
+    IN_PLACE(RCTFwd, type, rctFwd, WholeNumbers)                                                             \
+    IN_PLACE(RCTInv, type, rctInv, WholeNumbers)                                                             \
+    TO_PLANES(RCTFwd, type, rctToPlanes, WholeNumbers)                                                       \
+    FROM_PLANES(RCTInv, type, rctFromPlanes, WholeNumbers)
 
-QovStatus qoviRCTInv_JPEG2K_16s_P3IR(Qov16s* const pSrcDst[3], int srcDstStep, QoviSize roi)
-{
-    return inPlace(active.component->rctInv16s, pSrcDst, srcDstStep, roi);
-}
+REVERSIBLE(16s)
+REVERSIBLE(32s)
 
-QovStatus qoviRCTInv_JPEG2K_32s_P3IR(Qov32s* const pSrcDst[3], int srcDstStep, QoviSize roi)
-{
-    return inPlace(active.component->rctInv32s, pSrcDst, srcDstStep, roi);
-}
+#define IRREVERSIBLE(type, State)                                                                            \
+    IN_PLACE(ICTFwd, type, ictFwd, State)                                                                    \
+    IN_PLACE(ICTInv, type, ictInv, State)
 
-QovStatus qoviRCTFwd_JPEG2K_16s_C3P3R(const Qov16s* pSrc, int srcStep, Qov16s* const pDst[3], int dstStep,
-                                      QoviSize roi)
-{
-    return toPlanes(active.component->rctToPlanes16s, pSrc, srcStep, pDst, dstStep, roi);
-}
-
-QovStatus qoviRCTFwd_JPEG2K_32s_C3P3R(const Qov32s* pSrc, int srcStep, Qov32s* const pDst[3], int dstStep,
-                                      QoviSize roi)
-{
-    return toPlanes(active.component->rctToPlanes32s, pSrc, srcStep, pDst, dstStep, roi);
-}
-
-QovStatus qoviRCTInv_JPEG2K_16s_P3C3R(const Qov16s* const pSrc[3], int srcStep, Qov16s* pDst, int dstStep,
-                                      QoviSize roi)
-{
-    return fromPlanes(active.component->rctFromPlanes16s, pSrc, srcStep, pDst, dstStep, roi);
-}
-
-QovStatus qoviRCTInv_JPEG2K_32s_P3C3R(const Qov32s* const pSrc[3], int srcStep, Qov32s* pDst, int dstStep,
-                                      QoviSize roi)
-{
-    return fromPlanes(active.component->rctFromPlanes32s, pSrc, srcStep, pDst, dstStep, roi);
-}
-
-QovStatus qoviICTFwd_JPEG2K_16s_P3IR(Qov16s* const pSrcDst[3], int srcDstStep, QoviSize roi)
-{
-    const QuietFloats quiet;
-    return inPlace(active.component->ictFwd16s, pSrcDst, srcDstStep, roi);
-}
-
-QovStatus qoviICTFwd_JPEG2K_32s_P3IR(Qov32s* const pSrcDst[3], int srcDstStep, QoviSize roi)
-{
-    const QuietFloats quiet;
-    return inPlace(active.component->ictFwd32s, pSrcDst, srcDstStep, roi);
-}
-
-QovStatus qoviICTFwd_JPEG2K_32f_P3IR(Qov32f* const pSrcDst[3], int srcDstStep, QoviSize roi)
-{
-    const QuietFloats quiet;
-    return inPlace(active.component->ictFwd32f, pSrcDst, srcDstStep, roi);
-}
-
-QovStatus qoviICTInv_JPEG2K_16s_P3IR(Qov16s* const pSrcDst[3], int srcDstStep, QoviSize roi)
-{
-    const QuietFloats quiet;
-    return inPlace(active.component->ictInv16s, pSrcDst, srcDstStep, roi);
-}
-
-QovStatus qoviICTInv_JPEG2K_32s_P3IR(Qov32s* const pSrcDst[3], int srcDstStep, QoviSize roi)
-{
-    const QuietFloats quiet;
-    return inPlace(active.component->ictInv32s, pSrcDst, srcDstStep, roi);
-}
-
-QovStatus qoviICTInv_JPEG2K_32f_P3IR(Qov32f* const pSrcDst[3], int srcDstStep, QoviSize roi)
-{
-    const QuietFloats quiet;
-    return inPlace(active.component->ictInv32f, pSrcDst, srcDstStep, roi);
-}
-
-QovStatus qoviICTFwd_JPEG2K_32f_C3P3R(const Qov32f* pSrc, int srcStep, Qov32f* const pDst[3], int dstStep,
-                                      QoviSize roi)
-{
-    const QuietFloats quiet;
-    return toPlanes(active.component->ictToPlanes32f, pSrc, srcStep, pDst, dstStep, roi);
-}
-
-QovStatus qoviICTInv_JPEG2K_32f_P3C3R(const Qov32f* const pSrc[3], int srcStep, Qov32f* pDst, int dstStep,
-                                      QoviSize roi)
-{
-    const QuietFloats quiet;
-    return fromPlanes(active.component->ictFromPlanes32f, pSrc, srcStep, pDst, dstStep, roi);
-}
+IRREVERSIBLE(16s, WholeNumbers)
+IRREVERSIBLE(32s, QuietFloats)
+IRREVERSIBLE(32f, QuietFloats)
+TO_PLANES(ICTFwd, 32f, ictToPlanes, QuietFloats)
+FROM_PLANES(ICTInv, 32f, ictFromPlanes, QuietFloats)

@@ -1,7 +1,6 @@
 #include "active.h"
 #include "huffcheck.h"
 #include "qovcore.h"
-#include "qovihuffman.h"
 
 using namespace qov;
 
@@ -42,29 +41,13 @@ bool makeSpec(const Qov8u* pBits, const Qov8u* pVals, HuffDecSpec& spec)
     return true;
 }
 
-const HuffDecSpec* inner(const QoviDecodeHuffmanSpec* pSpec)
-{
-    return reinterpret_cast<const HuffDecSpec*>(pSpec);
-}
-
-HuffDecState* inner(QoviDecodeHuffmanState* pState)
-{
-    return reinterpret_cast<HuffDecState*>(pState);
-}
-
-template <class... Contexts>
-bool allMarked(const Contexts*... contexts)
-{
-    return (... && (contexts->mark == Contexts::markValue));
-}
-
 // The checks that follow those for null.
 template <class... Contexts>
 QovStatus check(int srcLen, int pos, bool badArg, const Contexts*... contexts)
 {
     if (srcLen < 1) return qovStsSize;
     if (badPosition(pos, srcLen) || badArg) return qovStsBadArg;
-    return allMarked(contexts...) ? qovStsNoErr : qovStsContext;
+    return marked(contexts...) ? qovStsNoErr : qovStsContext;
 }
 
 QovStatus decodeAC(HuffDecKernels::AC* kernel, const Qov8u* pSrc, int srcLen, int* pSrcCurrPos, Qov16s* pDst,
@@ -72,9 +55,9 @@ QovStatus decodeAC(HuffDecKernels::AC* kernel, const Qov8u* pSrc, int srcLen, in
                    QoviDecodeHuffmanState* pState)
 {
     if (anyNull(pSrc, pSrcCurrPos, pDst, pMarker, pAcSpec, pState)) return qovStsNullPtr;
-    if (const auto s = check(srcLen, *pSrcCurrPos, badBand(ss, se, al), inner(pAcSpec), inner(pState)))
+    if (const auto s = check(srcLen, *pSrcCurrPos, badBand(ss, se, al), inside(pAcSpec), inside(pState)))
         return s;
-    return kernel(pSrc, srcLen, pSrcCurrPos, pDst, pMarker, ss, se, al, inner(pAcSpec), inner(pState));
+    return kernel(pSrc, srcLen, pSrcCurrPos, pDst, pMarker, ss, se, al, inside(pAcSpec), inside(pState));
 }
 
 } // namespace
@@ -90,7 +73,7 @@ QovStatus qoviDecodeHuffmanSpecInit_JPEG_8u(const Qov8u* pBits, const Qov8u* pVa
                                             QoviDecodeHuffmanSpec* pSpec)
 {
     if (anyNull(pBits, pVals, pSpec)) return qovStsNullPtr;
-    return makeSpec(pBits, pVals, *reinterpret_cast<HuffDecSpec*>(pSpec)) ? qovStsNoErr : qovStsTable;
+    return makeSpec(pBits, pVals, *inside(pSpec)) ? qovStsNoErr : qovStsTable;
 }
 
 QovStatus qoviDecodeHuffmanSpecInitAlloc_JPEG_8u(const Qov8u* pBits, const Qov8u* pVals,
@@ -112,7 +95,7 @@ QovStatus qoviDecodeHuffmanSpecInitAlloc_JPEG_8u(const Qov8u* pBits, const Qov8u
 QovStatus qoviDecodeHuffmanSpecFree_JPEG_8u(QoviDecodeHuffmanSpec* pSpec)
 {
     if (!pSpec) return qovStsNullPtr;
-    if (!allMarked(inner(pSpec))) return qovStsContext;
+    if (!marked(inside(pSpec))) return qovStsContext;
     qovFree(pSpec);
     return qovStsNoErr;
 }
@@ -127,8 +110,8 @@ QovStatus qoviDecodeHuffmanStateGetBufSize_JPEG_8u(int* pSize)
 QovStatus qoviDecodeHuffmanStateInit_JPEG_8u(QoviDecodeHuffmanState* pState)
 {
     if (!pState) return qovStsNullPtr;
-    *inner(pState) = {};
-    inner(pState)->mark = HuffDecState::markValue;
+    *inside(pState) = {};
+    inside(pState)->mark = HuffDecState::markValue;
     return qovStsNoErr;
 }
 
@@ -139,9 +122,9 @@ QovStatus qoviDecodeHuffman8x8_JPEG_1u16s_C1(const Qov8u* pSrc, int srcLen, int*
                                              QoviDecodeHuffmanState* pState)
 {
     if (anyNull(pSrc, pSrcCurrPos, pDst, pLastDC, pMarker, pDcSpec, pAcSpec, pState)) return qovStsNullPtr;
-    const HuffDecSpec *dc = inner(pDcSpec), *ac = inner(pAcSpec);
-    if (const auto s = check(srcLen, *pSrcCurrPos, false, dc, ac, inner(pState))) return s;
-    return active.huffDec->block(pSrc, srcLen, pSrcCurrPos, pDst, pLastDC, pMarker, dc, ac, inner(pState));
+    const HuffDecSpec *dc = inside(pDcSpec), *ac = inside(pAcSpec);
+    if (const auto s = check(srcLen, *pSrcCurrPos, false, dc, ac, inside(pState))) return s;
+    return active.huffDec->block(pSrc, srcLen, pSrcCurrPos, pDst, pLastDC, pMarker, dc, ac, inside(pState));
 }
 
 QovStatus qoviDecodeHuffmanOne_JPEG_1u16s_C1(const Qov8u* pSrc, int srcLen, int* pSrcCurrPos, Qov16s* pDst,
@@ -149,8 +132,8 @@ QovStatus qoviDecodeHuffmanOne_JPEG_1u16s_C1(const Qov8u* pSrc, int srcLen, int*
                                              QoviDecodeHuffmanState* pState)
 {
     if (anyNull(pSrc, pSrcCurrPos, pDst, pMarker, pSpec, pState)) return qovStsNullPtr;
-    if (const auto s = check(srcLen, *pSrcCurrPos, false, inner(pSpec), inner(pState))) return s;
-    return active.huffDec->one(pSrc, srcLen, pSrcCurrPos, pDst, pMarker, inner(pSpec), inner(pState));
+    if (const auto s = check(srcLen, *pSrcCurrPos, false, inside(pSpec), inside(pState))) return s;
+    return active.huffDec->one(pSrc, srcLen, pSrcCurrPos, pDst, pMarker, inside(pSpec), inside(pState));
 }
 
 QovStatus qoviDecodeHuffman8x8_DCFirst_JPEG_1u16s_C1(const Qov8u* pSrc, int srcLen, int* pSrcCurrPos,
@@ -159,9 +142,9 @@ QovStatus qoviDecodeHuffman8x8_DCFirst_JPEG_1u16s_C1(const Qov8u* pSrc, int srcL
                                                      QoviDecodeHuffmanState* pState)
 {
     if (anyNull(pSrc, pSrcCurrPos, pDst, pLastDC, pMarker, pDcSpec, pState)) return qovStsNullPtr;
-    const HuffDecSpec* dc = inner(pDcSpec);
-    if (const auto s = check(srcLen, *pSrcCurrPos, badShift(al), dc, inner(pState))) return s;
-    return active.huffDec->dcFirst(pSrc, srcLen, pSrcCurrPos, pDst, pLastDC, pMarker, al, dc, inner(pState));
+    const HuffDecSpec* dc = inside(pDcSpec);
+    if (const auto s = check(srcLen, *pSrcCurrPos, badShift(al), dc, inside(pState))) return s;
+    return active.huffDec->dcFirst(pSrc, srcLen, pSrcCurrPos, pDst, pLastDC, pMarker, al, dc, inside(pState));
 }
 
 QovStatus qoviDecodeHuffman8x8_DCRefine_JPEG_1u16s_C1(const Qov8u* pSrc, int srcLen, int* pSrcCurrPos,
@@ -169,8 +152,8 @@ QovStatus qoviDecodeHuffman8x8_DCRefine_JPEG_1u16s_C1(const Qov8u* pSrc, int src
                                                       QoviDecodeHuffmanState* pState)
 {
     if (anyNull(pSrc, pSrcCurrPos, pDst, pMarker, pState)) return qovStsNullPtr;
-    if (const auto s = check(srcLen, *pSrcCurrPos, badShift(al), inner(pState))) return s;
-    return active.huffDec->dcRefine(pSrc, srcLen, pSrcCurrPos, pDst, pMarker, al, inner(pState));
+    if (const auto s = check(srcLen, *pSrcCurrPos, badShift(al), inside(pState))) return s;
+    return active.huffDec->dcRefine(pSrc, srcLen, pSrcCurrPos, pDst, pMarker, al, inside(pState));
 }
 
 QovStatus qoviDecodeHuffman8x8_ACFirst_JPEG_1u16s_C1(const Qov8u* pSrc, int srcLen, int* pSrcCurrPos,

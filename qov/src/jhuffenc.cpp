@@ -1,19 +1,9 @@
 #include "active.h"
 #include "huffcheck.h"
-#include "qovihuffman.h"
 
 using namespace qov;
 
 namespace {
-
-const HuffEncSpec* inside(const QoviEncodeHuffmanSpec* spec)
-{
-    return reinterpret_cast<const HuffEncSpec*>(spec);
-}
-HuffEncState* inside(QoviEncodeHuffmanState* state)
-{
-    return reinterpret_cast<HuffEncState*>(state);
-}
 
 // Differences of the marks from those of tables and of a state that can be written from.
 Qov32u misfit(const QoviEncodeHuffmanSpec* spec)

@@ -1,6 +1,5 @@
 #include "active.h"
 #include "huffcheck.h"
-#include "qovihuffman.h"
 #include "qovihuffrow.h"
 
 using namespace qov;
@@ -8,29 +7,6 @@ using namespace qov;
 namespace {
 
 const int maxRows = 4;
-
-const HuffEncSpec* inside(const QoviEncodeHuffmanSpec* spec)
-{
-    return reinterpret_cast<const HuffEncSpec*>(spec);
-}
-HuffEncState* inside(QoviEncodeHuffmanState* state)
-{
-    return reinterpret_cast<HuffEncState*>(state);
-}
-const HuffDecSpec* inside(const QoviDecodeHuffmanSpec* spec)
-{
-    return reinterpret_cast<const HuffDecSpec*>(spec);
-}
-HuffDecState* inside(QoviDecodeHuffmanState* state)
-{
-    return reinterpret_cast<HuffDecState*>(state);
-}
-
-template <class Block>
-bool marked(const Block* block)
-{
-    return block->mark == Block::markValue;
-}
 
 // Planes or tables past `rows` are not looked at.
 template <class Pointer>
@@ -98,7 +74,7 @@ QovStatus qoviEncodeHuffman8x8_Direct_JPEG_16s1u_C1(const Qov16s* pSrc, Qov8u* p
     if (anyNull(pSrc, pDst, pDstBitPos, pLastDC, pDcSpec, pAcSpec)) return qovStsNullPtr;
     if (*pDstBitPos < 0) return qovStsBadArg;
     const HuffEncSpec *dc = inside(pDcSpec), *ac = inside(pAcSpec);
-    if (!marked(dc) || !marked(ac)) return qovStsContext;
+    if (!marked(dc, ac)) return qovStsContext;
     return active.huffRow->codeBlock(pSrc, pDst, pDstBitPos, pLastDC, dc, ac);
 }
 
@@ -113,7 +89,7 @@ QovStatus qoviDecodeHuffman8x8_Direct_JPEG_1u16s_C1(const Qov8u* pSrc, int* pSrc
         return qovStsNullPtr;
     if (*pSrcBitPos < 0 || *pNumValidPrefetchedBits < 0 || *pNumValidPrefetchedBits > 32) return qovStsBadArg;
     const HuffDecSpec *dc = inside(pDcSpec), *ac = inside(pAcSpec);
-    if (!marked(dc) || !marked(ac)) return qovStsContext;
+    if (!marked(dc, ac)) return qovStsContext;
     return active.huffRow->takeBlock(pSrc, pSrcBitPos, pDst, pLastDC, pMarker, pPrefetchedBits,
                                      pNumValidPrefetchedBits, dc, ac);
 }

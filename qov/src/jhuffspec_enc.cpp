@@ -1,19 +1,13 @@
 // The tables that Huffman encoders code with: set-up from a DHT segment's bytes, and the making of such bytes
 // from statistics.
-#include "kernels/jhuffenc.h"
+#include "huffcheck.h"
 #include "qovcore.h"
-#include "qovihuffman.h"
 
 #include <algorithm>
 
 using namespace qov;
 
 namespace {
-
-HuffEncSpec* inside(QoviEncodeHuffmanSpec* spec)
-{
-    return reinterpret_cast<HuffEncSpec*>(spec);
-}
 
 // Do the counts of codes by length make a table?
 bool isTable(const Qov8u* pBits)
@@ -150,7 +144,7 @@ QovStatus qoviEncodeHuffmanSpecGetBufSize_JPEG_8u(int* pSize)
 QovStatus qoviEncodeHuffmanSpecInit_JPEG_8u(const Qov8u* pBits, const Qov8u* pVals,
                                             QoviEncodeHuffmanSpec* pSpec)
 {
-    if (!pBits || !pVals || !pSpec) return qovStsNullPtr;
+    if (anyNull(pBits, pVals, pSpec)) return qovStsNullPtr;
     if (!isTable(pBits)) return qovStsTable;
     fill(pBits, pVals, inside(pSpec));
     return qovStsNoErr;
@@ -159,7 +153,7 @@ QovStatus qoviEncodeHuffmanSpecInit_JPEG_8u(const Qov8u* pBits, const Qov8u* pVa
 QovStatus qoviEncodeHuffmanSpecInitAlloc_JPEG_8u(const Qov8u* pBits, const Qov8u* pVals,
                                                  QoviEncodeHuffmanSpec** ppSpec)
 {
-    if (!pBits || !pVals || !ppSpec) return qovStsNullPtr;
+    if (anyNull(pBits, pVals, ppSpec)) return qovStsNullPtr;
     *ppSpec = nullptr;
     if (!isTable(pBits)) return qovStsTable;
     void* const block = qovMalloc(int(sizeof(HuffEncSpec)));
@@ -172,14 +166,14 @@ QovStatus qoviEncodeHuffmanSpecInitAlloc_JPEG_8u(const Qov8u* pBits, const Qov8u
 QovStatus qoviEncodeHuffmanSpecFree_JPEG_8u(QoviEncodeHuffmanSpec* pSpec)
 {
     if (!pSpec) return qovStsNullPtr;
-    if (inside(pSpec)->mark != HuffEncSpec::markValue) return qovStsContext;
+    if (!marked(inside(pSpec))) return qovStsContext;
     qovFree(pSpec);
     return qovStsNoErr;
 }
 
 QovStatus qoviEncodeHuffmanRawTableInit_JPEG_8u(const int pStatistics[256], Qov8u* pBits, Qov8u* pVals)
 {
-    if (!pStatistics || !pBits || !pVals) return qovStsNullPtr;
+    if (anyNull(pStatistics, pBits, pVals)) return qovStsNullPtr;
     CodeLengths lengths(pStatistics);
     lengths.find();
     lengths.countTo(pBits);

@@ -1,43 +1,19 @@
 // The design that the suites of whole MCUs share. A test calls its function on a single MCU, so there is no
-// size parameter. Included once by each unit; all of it has internal linkage, as in qovjsuite.h.
+// size parameter.
 #ifndef QOVJ_MCUSUITE_H
 #define QOVJ_MCUSUITE_H
 
-#include "qovjsuite.h"
+#include "imagesuite.h"
 
 namespace {
 
-qdImage pSrc, pDst; // the side of blocks is planar: a plane holds the blocks of a component one by one
-int srcStep, dstStep;
-
-class McuTest : public qdTest {
+// The side of blocks is planar: a plane holds the blocks of a component one by one.
+class McuTest : public ImageTest {
 public:
-    using qdTest::qdTest;
+    using ImageTest::ImageTest;
     ~McuTest() override = default;
 
-    bool canStart() override
-    {
-        pSrc.init(m_func, qdArgSrc);
-        pDst.init(m_func, qdArgDst);
-        return true;
-    }
-
-    bool initData() override
-    {
-        const int shift = qkGetVectorShift();
-        const QoviSize size = getSize();
-        if (!pSrc.createImageExt(size, 0, shift, SET_RANDOM, 0, 0)) return false;
-        if (!pDst.createImageExt(size, 4 * shift, shift, SET_ZERO, 0, 0)) return false;
-        srcStep = pSrc.m_step;
-        dstStep = pDst.m_step;
-        return true;
-    }
-
-    void flushData() override
-    {
-        pSrc.deleteVector();
-        pDst.deleteVector();
-    }
+    bool initData() override { return createImages(getSize()); }
 
     // The samples of the MCU.
     double getDivisor() override

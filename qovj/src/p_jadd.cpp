@@ -1,40 +1,10 @@
 // Suite TimjAdd: the level shift of JPEG, in both directions.
-#include "qovj_main.h"
-#include "qovjsuite.h"
+#include "imagesuite.h"
 
-static qdImage pSrc, pDst;
-static QoviSize size;
-static int srcStep, dstStep;
-
-class TimjAdd : public qdTest {
+class TimjAdd : public SizedImageTest {
 public:
-    using qdTest::qdTest;
+    using SizedImageTest::SizedImageTest;
     ~TimjAdd() override = default;
-
-    bool canStart() override
-    {
-        regCacheParm(g_imageSize, pDst, nullptr);
-        pSrc.init(m_func, qdArgSrc);
-        pDst.init(m_func, qdArgDst);
-        return true;
-    }
-
-    bool initData() override
-    {
-        const int shift = qkGetVectorShift();
-        size = g_imageSize.value();
-        if (!pSrc.createImageExt(size, 0, shift, SET_RANDOM, 0, 0)) return false;
-        if (!pDst.createImageExt(size, 4 * shift, shift, SET_ZERO, 0, 0)) return false;
-        srcStep = pSrc.m_step;
-        dstStep = pDst.m_step;
-        return true;
-    }
-
-    void flushData() override
-    {
-        pSrc.deleteVector();
-        pDst.deleteVector();
-    }
 
     double getDivisor() override { return static_cast<double>(pDst.m_width) * pDst.m_height; }
     qkString getUnit() override { return "px"; }

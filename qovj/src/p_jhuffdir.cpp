@@ -1,13 +1,6 @@
 // Suite TimjHuffDirect: sequential Huffman coding without a state. Position and bits of the stream are on the
 // stack of the measured call.
-#include "huffsuite.h"
-
-static qdImage srcDCT;
-static qdVector src; // coefficients: what is coded, and where decoding puts them
-static qdBitVector dst;
-static qdjHuffmanSpecs<qdjEncodeSide> encodeSpecs;
-static qdjHuffmanSpecs<qdjDecodeSide> decodeSpecs;
-static int srcLen;
+#include "huffsequential.h"
 
 [[gnu::noinline]] static int x_Encode()
 {
@@ -31,44 +24,18 @@ static int srcLen;
     return status;
 }
 
-class TimjHuffDirect : public qdTest {
+class TimjHuffDirect : public HuffmanTest {
 public:
-    using qdTest::qdTest;
+    using HuffmanTest::HuffmanTest;
     ~TimjHuffDirect() override = default;
-
-    bool canStart() override
-    {
-        regCacheParm(g_imageSize, srcDCT, nullptr);
-        m_encode = m_func.contains("Encode");
-        return true;
-    }
 
     bool initData() override
     {
-        const QoviSize size = g_imageSize.value();
-        srcLen = qdjPixels(size);
-        if (!qdjHuffmanSource(size, srcDCT, src, srcLen, SET_ZERO)) return false;
-        if (!qdjHuffmanStream(dst, 2LL * srcLen, SET_ZERO)) return false;
-        m_tool.setLoopFactor(-3);
+        if (!createData()) return false;
         encodeSpecs.alloc(1, true);
         decodeSpecs.alloc(1, true);
         return m_encode || qdjDone(x_Encode(), "x_Encode");
     }
-
-    void flushData() override
-    {
-        srcDCT.deleteVector();
-        src.deleteVector();
-        dst.deleteVector();
-        encodeSpecs.release();
-        decodeSpecs.release();
-    }
-
-    double getDivisor() override { return srcLen; }
-    qkString getUnit() override { return "px"; }
-
-private:
-    bool m_encode = false;
 };
 
 QD_REG_X(TimjHuffDirect, qoviEncodeHuffman8x8_Direct_JPEG_16s1u_C1, x_Encode);

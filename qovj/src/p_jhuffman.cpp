@@ -1,15 +1,7 @@
 // Suite TimjHuffman: sequential Huffman coding of the blocks of a picture, and the coding of differences one
-// by one, on the same coefficients. Each measured call codes all of the picture from a fresh state.
-#include "huffsuite.h"
+// by one, on the same coefficients.
+#include "huffstateful.h"
 
-static qdImage srcDCT;
-static qdVector src; // coefficients: what is coded, and where decoding puts them
-static qdBitVector dst;
-static qdjHuffmanSpecs<qdjEncodeSide> encodeSpecs;
-static qdjHuffmanSpecs<qdjDecodeSide> decodeSpecs;
-static qdjHuffmanState<qdjEncodeSide> encodeState;
-static qdjHuffmanState<qdjDecodeSide> decodeState;
-static int srcLen, lenBytes, dstPos, marker;
 static Qov16s lastDC;
 
 static void startOfData()
@@ -38,7 +30,7 @@ static inline int decodeAll(int step, Code code)
     startOfData();
     int status = 0;
     for (int srcPos = 0; srcPos < srcLen; srcPos += step) status = code(src.m_16s + srcPos);
-    decodeState.restore(); // the tool's second call of a pass comes without init, and bits are left
+    restoreDecode(); // the tool's second call of a pass comes without init, and bits are left
     return status;
 }
 
@@ -82,73 +74,29 @@ static inline int encodeSample(const Qov16s* sample)
     });
 }
 
-static void initEncode()
-{
-    encodeState.restore();
-}
-
-static void initDecode()
-{
-    decodeState.restore();
-}
-
-class TimjHuffman : public qdTest {
+class TimjHuffman : public HuffmanStateTest {
 public:
-    using qdTest::qdTest;
+    using HuffmanStateTest::HuffmanStateTest;
     ~TimjHuffman() override = default;
 
     bool canStart() override
     {
-        regCacheParm(g_imageSize, srcDCT, nullptr);
-        m_encode = m_func.contains("Encode");
         m_one = m_func.contains("One");
-        m_tool.m_dataUse = true;
-        return true;
+        return HuffmanStateTest::canStart();
     }
 
     bool initData() override
     {
-        const QoviSize size = g_imageSize.value();
-        srcLen = qdjPixels(size);
-        if (!qdjHuffmanSource(size, srcDCT, src, srcLen, SET_ZERO)) return false;
-        if (!qdjHuffmanStream(dst, 2LL * srcLen, SET_ZERO)) return false;
-        m_tool.setLoopFactor(-3);
-        if (!allocEncode() || !allocDecode()) return false;
-        lenBytes = dst.m_len;
-        return encodeState.init() && (m_encode || prepareDecode());
+        if (!createData()) return false;
+        return m_one ? createCoders(1, true, x_EncodeOne, "qoviEncodeHuffmanOne_JPEG_16s1u_C1")
+                     : createCoders(1, true, x_Encode, "qoviEncodeHuffman8x8_JPEG_16s1u_C1");
     }
-
-    void flushData() override
-    {
-        srcDCT.deleteVector();
-        src.deleteVector();
-        dst.deleteVector();
-        encodeSpecs.release();
-        encodeState.release();
-        decodeSpecs.release();
-        decodeState.release();
-    }
-
-    double getDivisor() override { return srcLen; }
-    qkString getUnit() override { return "px"; }
 
 private:
-    static bool allocEncode() { return encodeSpecs.alloc(1, true) && encodeState.alloc(); }
-    static bool allocDecode() { return decodeSpecs.alloc(1, true) && decodeState.alloc(); }
-
-    bool prepareDecode() const
-    {
-        const bool done = m_one ? qdjDone(x_EncodeOne(), "qoviEncodeHuffmanOne_JPEG_16s1u_C1")
-                                : qdjDone(x_Encode(), "qoviEncodeHuffman8x8_JPEG_16s1u_C1");
-        lenBytes = dstPos;
-        return done && decodeState.init();
-    }
-
-    bool m_encode = false;
     bool m_one = false;
 };
 
-QD_REG_I_X(TimjHuffman, qoviEncodeHuffman8x8_JPEG_16s1u_C1, initEncode, x_Encode);
-QD_REG_I_X(TimjHuffman, qoviDecodeHuffman8x8_JPEG_1u16s_C1, initDecode, x_Decode);
-QD_REG_I_X(TimjHuffman, qoviEncodeHuffmanOne_JPEG_16s1u_C1, initEncode, x_EncodeOne);
-QD_REG_I_X(TimjHuffman, qoviDecodeHuffmanOne_JPEG_1u16s_C1, initDecode, x_DecodeOne);
+QD_REG_I_X(TimjHuffman, qoviEncodeHuffman8x8_JPEG_16s1u_C1, restoreEncode, x_Encode);
+QD_REG_I_X(TimjHuffman, qoviDecodeHuffman8x8_JPEG_1u16s_C1, restoreDecode, x_Decode);
+QD_REG_I_X(TimjHuffman, qoviEncodeHuffmanOne_JPEG_16s1u_C1, restoreEncode, x_EncodeOne);
+QD_REG_I_X(TimjHuffman, qoviDecodeHuffmanOne_JPEG_1u16s_C1, restoreDecode, x_DecodeOne);

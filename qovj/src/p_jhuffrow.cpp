@@ -1,37 +1,37 @@
 // Suite TimjHuffmanRow: Huffman coding of rows of differences, one to four of them interleaved. Every call
 // reads the same rows, the first ones: what they hold is of no interest to the measure.
-#include "huffsuite.h"
+#include "huffstateful.h"
 
-static qdImage srcDCT;
-static qdVector src; // what is coded, and where decoding puts it
-static qdBitVector dst;
 static qkIterator<int> nSrcRows;
-static qdjHuffmanSpecs<qdjEncodeSide> encodeSpecs;
-static qdjHuffmanSpecs<qdjDecodeSide> decodeSpecs;
-static qdjHuffmanState<qdjEncodeSide> encodeState;
-static qdjHuffmanState<qdjDecodeSide> decodeState;
-static int srcLen, width, lenBytes, dstPos, marker;
+static int width;
 
 static const int mostRows = qdjHuffmanSpecs<qdjEncodeSide>::most;
 
-static void setRows(Qov16s* (&rows)[mostRows], int nRows)
-{
-    for (int k = 0; k < nRows; k++) rows[k] = src.m_16s + static_cast<ptrdiff_t>(k) * width;
-}
+namespace {
+
+// The first rows of the coefficients.
+struct Rows {
+    Qov16s* at[mostRows] = {};
+
+    explicit Rows(int n)
+    {
+        for (int k = 0; k < n; k++) at[k] = src.m_16s + static_cast<ptrdiff_t>(k) * width;
+    }
+};
+
+} // namespace
 
 static inline int encodeRows(int nRows)
 {
-    Qov16s* rows[mostRows] = {};
-    setRows(rows, nRows);
-    return qoviEncodeHuffmanRow_JPEG_16s1u_P4C1(rows, width, nRows, dst.m_8u, lenBytes, &dstPos,
+    const Rows rows(nRows);
+    return qoviEncodeHuffmanRow_JPEG_16s1u_P4C1(rows.at, width, nRows, dst.m_8u, lenBytes, &dstPos,
                                                 encodeSpecs.dc, encodeState.state, 0);
 }
 
 static inline int decodeRows(int nRows)
 {
-    Qov16s* rows[mostRows] = {};
-    setRows(rows, nRows);
-    return qoviDecodeHuffmanRow_JPEG_1u16s_C1P4(dst.m_8u, lenBytes, &dstPos, rows, width, nRows, &marker,
+    const Rows rows(nRows);
+    return qoviDecodeHuffmanRow_JPEG_1u16s_C1P4(dst.m_8u, lenBytes, &dstPos, rows.at, width, nRows, &marker,
                                                 decodeSpecs.dc, decodeState.state);
 }
 
@@ -59,79 +59,34 @@ static inline int walk(int nRows, Call call)
 [[gnu::noinline]] static int x_DecodeRow()
 {
     const int status = walk(nSrcRows.value(), decodeRows);
-    decodeState.restore(); // the tool's second call of a pass comes without init, and bits are left
+    restoreDecode(); // the tool's second call of a pass comes without init, and bits are left
     return status;
 }
 
-static void initEncode()
-{
-    encodeState.restore();
-}
-
-static void initDecode()
-{
-    decodeState.restore();
-}
-
-class TimjHuffmanRow : public qdTest {
+class TimjHuffmanRow : public HuffmanStateTest {
 public:
-    using qdTest::qdTest;
+    using HuffmanStateTest::HuffmanStateTest;
     ~TimjHuffmanRow() override = default;
 
     bool canStart() override
     {
-        regCacheParm(g_imageSize, srcDCT, nullptr);
+        if (!HuffmanStateTest::canStart()) return false;
         nSrcRows.reset();
         nSrcRows.setName("nSrcRows", "");
         for (int n = 1; n <= mostRows; n++) nSrcRows.add(n);
         m_parms.append(&nSrcRows);
-        m_encode = m_func.contains("Encode");
-        m_tool.m_dataUse = true;
         return true;
     }
 
     bool initData() override
     {
-        const QoviSize size = g_imageSize.value();
         const int nRows = nSrcRows.value();
         if (nRows < 1 || nRows > mostRows) return false;
-        srcLen = qdjPixels(size);
-        width = size.width;
-        if (!qdjHuffmanSource(size, srcDCT, src, 1LL * mostRows * width, SET_ZERO)) return false;
-        if (!qdjHuffmanStream(dst, 2LL * srcLen, SET_ZERO)) return false;
-        m_tool.setLoopFactor(-3);
-        if (!allocEncode(nRows) || !allocDecode(nRows)) return false;
-        lenBytes = dst.m_len;
-        return encodeState.init() && (m_encode || prepareDecode());
+        width = g_imageSize.value().width;
+        return createData(1LL * mostRows * width) &&
+               createCoders(nRows, false, x_EncodeRow, "qoviEncodeHuffmanRow_JPEG_16s1u_P4C1");
     }
-
-    void flushData() override
-    {
-        srcDCT.deleteVector();
-        src.deleteVector();
-        dst.deleteVector();
-        encodeSpecs.release();
-        encodeState.release();
-        decodeSpecs.release();
-        decodeState.release();
-    }
-
-    double getDivisor() override { return srcLen; }
-    qkString getUnit() override { return "px"; }
-
-private:
-    static bool allocEncode(int nRows) { return encodeSpecs.alloc(nRows, false) && encodeState.alloc(); }
-    static bool allocDecode(int nRows) { return decodeSpecs.alloc(nRows, false) && decodeState.alloc(); }
-
-    static bool prepareDecode()
-    {
-        const bool done = qdjDone(x_EncodeRow(), "qoviEncodeHuffmanRow_JPEG_16s1u_P4C1");
-        lenBytes = dstPos;
-        return done && decodeState.init();
-    }
-
-    bool m_encode = false;
 };
 
-QD_REG_I_X(TimjHuffmanRow, qoviEncodeHuffmanRow_JPEG_16s1u_P4C1, initEncode, x_EncodeRow);
-QD_REG_I_X(TimjHuffmanRow, qoviDecodeHuffmanRow_JPEG_1u16s_C1P4, initDecode, x_DecodeRow);
+QD_REG_I_X(TimjHuffmanRow, qoviEncodeHuffmanRow_JPEG_16s1u_P4C1, restoreEncode, x_EncodeRow);
+QD_REG_I_X(TimjHuffmanRow, qoviDecodeHuffmanRow_JPEG_1u16s_C1P4, restoreDecode, x_DecodeRow);

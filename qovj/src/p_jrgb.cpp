@@ -1,10 +1,5 @@
 // Suite TimjRGB: colour conversion of JPEG pictures, and the component transforms of JPEG 2000.
-#include "qovj_main.h"
-#include "qovjsuite.h"
-
-static qdImage pSrc, pDst;
-static QoviSize size;
-static int srcStep, dstStep;
+#include "imagesuite.h"
 
 // The same data in every run.
 static void fillSource()
@@ -13,18 +8,10 @@ static void fillSource()
     pSrc.setRandom(-32768.0, 32767.0);
 }
 
-class TimjRGB : public qdTest {
+class TimjRGB : public SizedImageTest {
 public:
-    using qdTest::qdTest;
+    using SizedImageTest::SizedImageTest;
     ~TimjRGB() override = default;
-
-    bool canStart() override
-    {
-        regCacheParm(g_imageSize, pDst, nullptr);
-        pSrc.init(m_func, qdArgSrc);
-        pDst.init(m_func, qdArgDst);
-        return true;
-    }
 
     bool initData() override
     {
@@ -32,15 +19,8 @@ public:
         if (!pSrc.createImage(size, -1, -1, false)) return false;
         if (!pDst.createImage(size, -1, -1, false)) return false;
         fillSource();
-        srcStep = pSrc.m_step;
-        dstStep = pDst.m_step;
+        takeSteps();
         return true;
-    }
-
-    void flushData() override
-    {
-        pSrc.deleteVector();
-        pDst.deleteVector();
     }
 
     double getDivisor() override

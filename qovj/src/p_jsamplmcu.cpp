@@ -11,8 +11,8 @@ public:
 
     double getDivisor() override
     {
-        const QoviSize size = getSize();
-        return static_cast<double>(size.width) * size.height;
+        const QoviSize region = getSize();
+        return static_cast<double>(region.width) * region.height;
     }
 
     qkString getUnit() override { return "px"; }

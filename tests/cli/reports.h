@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 #include <regex.h>
 
+#include <algorithm>
 #include <sstream>
 #include <string>
 #include <vector>
@@ -22,6 +23,33 @@ inline Cells split(const std::string& text, char separator)
 inline Cells linesOf(const std::string& text)
 {
     return split(text, '\n');
+}
+
+// One text for all cells in any order, of which a failed comparison shows the few lines that differ.
+inline std::string inAnyOrder(Cells cells)
+{
+    std::sort(cells.begin(), cells.end());
+    std::string text;
+    for (const std::string& cell : cells) text += cell + "\n";
+    return text;
+}
+
+// The words of a text, with braces as in a shell: "a{b,c}" stands for "ab ac". Braces do not nest.
+inline Cells expanded(const std::string& text)
+{
+    Cells words;
+    for (const std::string& word : split(text, ' ')) {
+        const size_t open = word.find('{'), close = word.find('}');
+        if (open == std::string::npos) {
+            words.push_back(word);
+            continue;
+        }
+        for (const std::string& choice : split(word.substr(open + 1, close - open - 1), ',')) {
+            const Cells more = expanded(word.substr(0, open) + choice + word.substr(close + 1));
+            words.insert(words.end(), more.begin(), more.end());
+        }
+    }
+    return words;
 }
 
 // The lines that begin with `start`.
@@ -99,7 +127,10 @@ inline Cells matchOf(const std::string& text, const std::string& pattern)
     Cells texts;
     for (const regmatch_t& group : groups) {
         if (!found) break;
-        texts.push_back(group.rm_so < 0 ? "" : text.substr(group.rm_so, group.rm_eo - group.rm_so));
+        if (group.rm_so < 0)
+            texts.emplace_back();
+        else
+            texts.emplace_back(text.begin() + group.rm_so, text.begin() + group.rm_eo);
     }
     return texts;
 }

@@ -7,29 +7,12 @@
 
 namespace {
 
-QovStatus copy(const Arguments& a)
-{
-    return qoviCopy_8u_C1R(a.src[0], a.srcStep[0], a.dst[0], a.dstStep[0], a.roi);
-}
-
-template <auto function>
-QovStatus split(const Arguments& a)
-{
-    return function(a.src[0], a.srcStep[0], a.dst, a.dstStep[0], a.roi);
-}
-
-template <auto function>
-QovStatus join(const Arguments& a)
-{
-    return function(a.src, a.srcStep[0], a.dst[0], a.dstStep[0], a.roi);
-}
-
 const PlanesFunction copies[] = {
-    {"C1", {1}, {1}, copy},
-    {"C3P3", {3}, {1, 1, 1}, split<qoviCopy_8u_C3P3R>},
-    {"C4P4", {4}, {1, 1, 1, 1}, split<qoviCopy_8u_C4P4R>},
-    {"P3C3", {1, 1, 1}, {3}, join<qoviCopy_8u_P3C3R>},
-    {"P4C4", {1, 1, 1, 1}, {4}, join<qoviCopy_8u_P4C4R>},
+    {"C1", {1}, {1}, call(qoviCopy_8u_C1R)},
+    {"C3P3", {3}, {1, 1, 1}, call(qoviCopy_8u_C3P3R)},
+    {"C4P4", {4}, {1, 1, 1, 1}, call(qoviCopy_8u_C4P4R)},
+    {"P3C3", {1, 1, 1}, {3}, call(qoviCopy_8u_P3C3R)},
+    {"P4C4", {1, 1, 1, 1}, {4}, call(qoviCopy_8u_P4C4R)},
 };
 
 TEST(Copy, AnyPicture)

@@ -272,6 +272,82 @@ private:
     std::unique_ptr<char[]> m_bytes;
 };
 
+struct EncSpec : Opaque<QoviEncodeHuffmanSpec> {
+    explicit EncSpec(const Table& t)
+        : Opaque(qoviEncodeHuffmanSpecGetBufSize_JPEG_8u, qoviEncodeHuffmanSpecInit_JPEG_8u, t)
+    {
+    }
+};
+struct DecSpec : Opaque<QoviDecodeHuffmanSpec> {
+    explicit DecSpec(const Table& t)
+        : Opaque(qoviDecodeHuffmanSpecGetBufSize_JPEG_8u, qoviDecodeHuffmanSpecInit_JPEG_8u, t)
+    {
+    }
+};
+struct EncState : Opaque<QoviEncodeHuffmanState> {
+    EncState() : Opaque(qoviEncodeHuffmanStateGetBufSize_JPEG_8u)
+    {
+        EXPECT_EQ(qovStsNoErr, qoviEncodeHuffmanStateInit_JPEG_8u(get()));
+    }
+};
+struct DecState : Opaque<QoviDecodeHuffmanState> {
+    DecState() : Opaque(qoviDecodeHuffmanStateGetBufSize_JPEG_8u) { init(); }
+    void init() { EXPECT_EQ(qovStsNoErr, qoviDecodeHuffmanStateInit_JPEG_8u(get())); }
+};
+
+// Codes for the values from 0 on, from a tree grown at random. The code of ones alone is used or not.
+inline Table randomTable(Random& random, int values, bool allOnes)
+{
+    const size_t leaves = size_t(values + !allOnes);
+    const int deep = random.in(0, 4); // 0: flat, but for 256 codes of 8 bits, whose count no byte holds
+    std::vector<int> depths = {0};
+    while (depths.size() < leaves || depths[0] == 0) {
+        size_t i = random.in(0, int(depths.size()) - 1);
+        if (deep == 0 && depths.size() != 255)
+            i = size_t(std::min_element(depths.begin(), depths.end()) - depths.begin());
+        for (int trial = 1; trial < deep || depths[i] == 16; trial++) {
+            const size_t other = random.in(0, int(depths.size()) - 1);
+            if (depths[i] == 16 || (depths[other] < 16 && depths[other] > depths[i])) i = other;
+        }
+        depths.push_back(++depths[i]);
+    }
+    std::sort(depths.begin(), depths.end());
+    Table table;
+    for (int i = 0; i < values; i++) {
+        table.bits[depths[i] - 1]++;
+        table.values.insert(table.values.begin() + random.in(0, i), Qov8u(i));
+    }
+    return table;
+}
+
+// The kind of fault that is looked for first decides, in every mode. Calls call(pass, length of the data,
+// cursor, DC table, AC table, state).
+template <class Spec, class State, class Call>
+void checkStatuses(Spec* spec, State* state, Call call)
+{
+    char unmarked[8192] = {};
+    Spec* const bad = reinterpret_cast<Spec*>(unmarked);
+    State* const badState = reinterpret_cast<State*>(unmarked);
+    for (int m = sequential; m <= acRefine; m++) {
+        const Mode mode = Mode(m);
+        SCOPED_TRACE(about({mode}));
+        const bool dc = mode <= dcFirst, ac = mode == sequential || mode >= acFirst;
+        const QovStatus ofShift = mode >= dcFirst ? qovStsBadArg : qovStsContext;
+        const QovStatus ofBand = mode >= acFirst ? qovStsBadArg : qovStsContext;
+        const Pass wrong = {mode, 0, 64, 14};
+        EXPECT_EQ(qovStsNullPtr, call(wrong, 0, -1, bad, bad, nullptr));
+        EXPECT_EQ(dc ? qovStsNullPtr : qovStsSize, call(wrong, 0, -1, nullptr, bad, badState));
+        EXPECT_EQ(ac ? qovStsNullPtr : qovStsSize, call(wrong, 0, -1, bad, nullptr, badState));
+        for (int pos : {-1, 10}) EXPECT_EQ(qovStsBadArg, call({mode}, 9, pos, bad, bad, badState));
+        for (int al : {-1, 14}) EXPECT_EQ(ofShift, call({mode, 1, 63, al}, 9, 9, bad, bad, badState));
+        for (auto [ss, se] : {std::pair(0, 63), {5, 4}, {1, 64}})
+            EXPECT_EQ(ofBand, call({mode, ss, se}, 9, 9, bad, bad, badState));
+        EXPECT_EQ(qovStsContext, call({mode}, 9, 0, spec, spec, badState));
+        EXPECT_EQ(dc ? qovStsContext : qovStsNoErr, call({mode}, 9, 0, bad, spec, state));
+        EXPECT_EQ(ac ? qovStsContext : qovStsNoErr, call({mode}, 9, 0, spec, bad, state));
+    }
+}
+
 // What is a table and what is not.
 template <class Spec>
 void checkTables(QovStatus initAlloc(const Qov8u*, const Qov8u*, Spec**), QovStatus freeSpec(Spec*))

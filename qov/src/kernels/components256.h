@@ -6,8 +6,6 @@
 
 #include "planes256.h"
 
-#include <string.h>
-
 #if defined(QOV_SIMD256)
 
 namespace qov::QOV_LEVEL {
@@ -96,47 +94,26 @@ inline void joinComponents(const W (&in)[3], T* pixels)
     storeChunks((Qov8u*)pixels, chunk);
 }
 
-// Whole numbers in double precision, and back: rounded by the current mode and limited to T.
+// Numbers of 32 bits in double precision, and back: rounded by the current mode and limited.
 #if defined(__AVX2__)
 inline Doubles widen(const Qov32s* p)
 {
     return _mm256_cvtepi32_pd(_mm_loadu_si128((const __m128i*)p));
-}
-inline Doubles widen(const Qov16s* p)
-{
-    return _mm256_cvtepi32_pd(_mm_cvtepi16_epi32(_mm_loadl_epi64((const __m128i*)p)));
 }
 inline void narrow(Doubles v, Qov32s* p)
 {
     v = _mm256_min_pd(_mm256_max_pd(v, _mm256_set1_pd(-2147483648.0)), _mm256_set1_pd(2147483647.0));
     _mm_storeu_si128((__m128i*)p, _mm256_cvtpd_epi32(v));
 }
-inline void narrow(Doubles v, Qov16s* p)
-{
-    const __m128i whole = _mm256_cvtpd_epi32(v);
-    _mm_storel_epi64((__m128i*)p, _mm_packs_epi32(whole, whole));
-}
 #else
 inline Doubles widen(const Qov32s* p)
 {
     return _mm_cvtepi32_pd(_mm_loadl_epi64((const __m128i*)p));
 }
-inline Doubles widen(const Qov16s* p)
-{
-    int pair;
-    memcpy(&pair, p, sizeof(pair));
-    return _mm_cvtepi32_pd(_mm_cvtepi16_epi32(_mm_cvtsi32_si128(pair)));
-}
 inline void narrow(Doubles v, Qov32s* p)
 {
     v = _mm_min_pd(_mm_max_pd(v, _mm_set1_pd(-2147483648.0)), _mm_set1_pd(2147483647.0));
     _mm_storel_epi64((__m128i*)p, _mm_cvtpd_epi32(v));
-}
-inline void narrow(Doubles v, Qov16s* p)
-{
-    const __m128i whole = _mm_cvtpd_epi32(v);
-    const int pair = _mm_cvtsi128_si32(_mm_packs_epi32(whole, whole));
-    memcpy(p, &pair, sizeof(pair));
 }
 #endif
 

@@ -1,6 +1,7 @@
 #include "jcomponent.h"
 
 #include "components256.h"
+#include "jcomponent_ict16.h"
 
 #include <emmintrin.h>
 
@@ -95,26 +96,31 @@ struct Factor<Doubles> {
 #endif
 
 struct IctForward {
+    static constexpr double factor[3][3] = {
+        {0.299, 0.587, 0.114}, {-0.16875, -0.33126, 0.5}, {0.5, -0.41869, -0.08131}};
+
     template <class T>
     static inline void transform(T& c0, T& c1, T& c2)
     {
         typedef typename Factor<T>::Type K;
         const T r = c0, g = c1, b = c2;
-        c0 = K(0.299) * r + K(0.587) * g + K(0.114) * b;
-        c1 = K(0.5) * b - K(0.16875) * r - K(0.33126) * g;
-        c2 = K(0.5) * r - K(0.41869) * g - K(0.08131) * b;
+        c0 = K(factor[0][0]) * r + K(factor[0][1]) * g + K(factor[0][2]) * b;
+        c1 = K(factor[1][0]) * r + K(factor[1][1]) * g + K(factor[1][2]) * b;
+        c2 = K(factor[2][0]) * r + K(factor[2][1]) * g + K(factor[2][2]) * b;
     }
 };
 
 struct IctInverse {
+    static constexpr double factor[3][3] = {{1, 0, 1.402}, {1, -0.344136, -0.714136}, {1, 1.772, 0}};
+
     template <class T>
     static inline void transform(T& c0, T& c1, T& c2)
     {
         typedef typename Factor<T>::Type K;
         const T y = c0, cb = c1, cr = c2;
-        c0 = y + K(1.402) * cr;
-        c1 = y - K(0.344136) * cb - K(0.714136) * cr;
-        c2 = y + K(1.772) * cb;
+        c0 = y + K(factor[0][2]) * cr;
+        c1 = y + K(factor[1][1]) * cb + K(factor[1][2]) * cr;
+        c2 = y + K(factor[2][1]) * cb;
     }
 };
 
@@ -236,15 +242,16 @@ inline void transformRow(T* __restrict c0, T* __restrict c1, T* __restrict c2, p
     for (; x < width; x++) Transform::transform(c0[x], c1[x], c2[x]);
 }
 
-inline int toNearest(double value, int low, int high)
+inline Qov32s toNearest(double value)
 {
-    value = value < low ? low : value > high ? high : value;
-    return _mm_cvtsd_si32(_mm_set_sd(value));
+    constexpr double low = -2147483648.0, high = 2147483647.0;
+    return _mm_cvtsd_si32(_mm_set_sd(value < low ? low : value > high ? high : value));
 }
 
-// Whole numbers through double precision, which leaves 20 fraction bits to those of 32 bits.
-template <class Transform, class T>
-inline void transformRounded(T* __restrict c0, T* __restrict c1, T* __restrict c2, ptrdiff_t width)
+// Numbers of 32 bits through double precision, which leaves them 20 fraction bits.
+template <class Transform>
+inline void transformRounded(Qov32s* __restrict c0, Qov32s* __restrict c1, Qov32s* __restrict c2,
+                             ptrdiff_t width)
 {
     ptrdiff_t x = 0;
 #if defined(QOV_SIMD256)
@@ -256,13 +263,12 @@ inline void transformRounded(T* __restrict c0, T* __restrict c1, T* __restrict c
         narrow(v2, c2 + x);
     }
 #endif
-    constexpr int low = sizeof(T) == 2 ? -32768 : -2147483647 - 1, high = -(low + 1);
     for (; x < width; x++) {
         double v0 = c0[x], v1 = c1[x], v2 = c2[x];
         Transform::transform(v0, v1, v2);
-        c0[x] = T(toNearest(v0, low, high));
-        c1[x] = T(toNearest(v1, low, high));
-        c2[x] = T(toNearest(v2, low, high));
+        c0[x] = toNearest(v0);
+        c1[x] = toNearest(v1);
+        c2[x] = toNearest(v2);
     }
 }
 
@@ -312,11 +318,11 @@ const ComponentKernels componentKernels = {
     toPlanes<RctForward, Qov32s>,
     fromPlanes<RctInverse, Qov16s>,
     fromPlanes<RctInverse, Qov32s>,
-    inPlace<transformRounded<IctForward, Qov16s>>,
-    inPlace<transformRounded<IctForward, Qov32s>>,
+    inPlace<transformExactly<IctForward>>,
+    inPlace<transformRounded<IctForward>>,
     inPlace<transformRow<IctForward, Qov32f>>,
-    inPlace<transformRounded<IctInverse, Qov16s>>,
-    inPlace<transformRounded<IctInverse, Qov32s>>,
+    inPlace<transformExactly<IctInverse>>,
+    inPlace<transformRounded<IctInverse>>,
     inPlace<transformRow<IctInverse, Qov32f>>,
     toPlanes<IctForward, Qov32f>,
     fromPlanes<IctInverse, Qov32f>,

@@ -7,8 +7,7 @@
 #ifndef QOV_KERNELS_JHUFFENC_PLACES_H
 #define QOV_KERNELS_JHUFFENC_PLACES_H
 
-#include "simd256.h"
-#include "zigzag.h"
+#include "zigzagorder.h"
 
 namespace qov::QOV_LEVEL {
 namespace {

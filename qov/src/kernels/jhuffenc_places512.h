@@ -1,4 +1,4 @@
-// Places of coefficients with AVX-512: the words themselves go into zig-zag order.
+// Places of coefficients with AVX-512.
 #ifndef QOV_KERNELS_JHUFFENC_PLACES512_H
 #define QOV_KERNELS_JHUFFENC_PLACES512_H
 
@@ -6,35 +6,6 @@
 
 namespace qov::QOV_LEVEL {
 namespace {
-
-template <bool backward>
-struct WordOrder {
-    alignas(64) Qov16u index[64];
-
-    constexpr WordOrder() : index{}
-    {
-        for (int k = 0; k < 64; k++) index[k] = zigzag[backward ? 63 - k : k];
-    }
-};
-template <bool backward>
-constexpr WordOrder<backward> wordOrder{};
-
-// 64 words in zig-zag order, or its reverse.
-struct Words {
-    __m512i low, high;
-};
-template <bool backward>
-QOV_INLINE Words inZigzag(const Qov16s* src)
-{
-    const __m512i a = _mm512_loadu_si512(src), b = _mm512_loadu_si512(src + 32);
-    const Qov16u* index = wordOrder<backward>.index;
-    return {_mm512_permutex2var_epi16(a, _mm512_load_si512(index), b),
-            _mm512_permutex2var_epi16(a, _mm512_load_si512(index + 32), b)};
-}
-QOV_INLINE Places joined(__mmask32 low, __mmask32 high)
-{
-    return low | Places(high) << 32;
-}
 
 class Coefficients {
 public:

@@ -15,6 +15,8 @@ template <int rows>
 QovStatus codeRowsOf(const Qov16s* const* src, int width, Qov8u* dst, int dstLen, int* pos,
                      const HuffEncSpec* const* specs, HuffEncState* state)
 {
+    const int startPos = *pos;
+    const Qov8u bits = state->bits, count = state->count;
     QovStatus status = qovStsNoErr;
     const int step = differencesAtOnce / rows;
     for (int start = 0; start < width && status == qovStsNoErr; start += step) {
@@ -23,6 +25,11 @@ QovStatus codeRowsOf(const Qov16s* const* src, int width, Qov8u* dst, int dstLen
             for (int x = start; x < end; x++)
                 for (int r = 0; r < rows; r++) putDifference(out, specs[r], src[r][x]);
         });
+    }
+    if (status == qovStsRange) { // nothing of the call is coded, as of the other coders
+        *pos = startPos;
+        state->bits = bits;
+        state->count = count;
     }
     return status;
 }
