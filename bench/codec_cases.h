@@ -27,14 +27,26 @@ Picture readPnm(const std::string& path);
 // Peak signal-to-noise ratio of two pictures of one size, in dB; 99 where they are equal.
 double psnr(const Picture& a, const Picture& b);
 
+// The luminance of a colour picture; a grey one as it is.
+SharedPicture greyOf(const SharedPicture& picture);
+
+std::shared_ptr<Picture> blankLike(const Picture& picture);
+
+// A stream in a buffer that stays as large as it was made: the stream is its first `bytes`.
+struct CodedStream {
+    explicit CodedStream(size_t capacity) : buffer(capacity) {}
+    std::vector<unsigned char> buffer;
+    size_t bytes = 0;
+};
+
 struct Case {
     std::string key;
     std::string who;
     size_t pixels;
     // Codes the picture once. Returns the bytes of the stream; throws std::runtime_error.
     std::function<size_t()> call;
-    // What the last call made, against the picture, in dB: sides of one key that differ by more than 1 do not
-    // do the same work.
+    // What the last call made, against the picture, in dB: where our side is lower by more than 1, it does
+    // not do the same work.
     std::function<double()> quality;
 };
 
@@ -43,5 +55,6 @@ using Wanted = std::function<bool(const std::string& key)>;
 // The cases of a codec on a picture, both sides of a key next to each other. Nothing is made for unwanted
 // keys. A picture of one channel has the grey cases alone.
 std::vector<Case> jpegCases(const SharedPicture& picture, const Wanted& wanted);
+std::vector<Case> j2kCases(const SharedPicture& picture, const Wanted& wanted);
 
 #endif

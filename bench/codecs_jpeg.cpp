@@ -25,7 +25,7 @@ void check(_JPEG_ERROR error)
 }
 
 std::function<void()> ourEncoder(const SharedPicture& picture, const JpegVariant& variant,
-                                 const std::shared_ptr<JpegStream>& stream)
+                                 const std::shared_ptr<CodedStream>& stream)
 {
     return [=, encoder = std::make_shared<CJPEGEncoder>()] {
         const bool grey = picture->channels == 1;
@@ -41,7 +41,7 @@ std::function<void()> ourEncoder(const SharedPicture& picture, const JpegVariant
     };
 }
 
-std::function<void()> ourDecoder(const std::shared_ptr<const JpegStream>& stream,
+std::function<void()> ourDecoder(const std::shared_ptr<const CodedStream>& stream,
                                  const std::shared_ptr<Picture>& result)
 {
     return [=, decoder = std::make_shared<CJPEGDecoder>()] {
@@ -59,23 +59,6 @@ std::function<void()> ourDecoder(const std::shared_ptr<const JpegStream>& stream
     };
 }
 
-SharedPicture greyOf(const SharedPicture& picture)
-{
-    if (picture->channels == 1) return picture;
-    auto grey = std::make_shared<Picture>(Picture{picture->name, picture->width, picture->height, 1, {}});
-    for (size_t i = 0; i < picture->samples.size(); i += 3) {
-        const unsigned char* s = &picture->samples[i];
-        grey->samples.push_back((unsigned char)((299 * s[0] + 587 * s[1] + 114 * s[2] + 500) / 1000));
-    }
-    return grey;
-}
-
-std::shared_ptr<Picture> blankLike(const Picture& picture)
-{
-    return std::make_shared<Picture>(Picture{picture.name, picture.width, picture.height, picture.channels,
-                                             std::vector<unsigned char>(picture.samples.size())});
-}
-
 std::string keyOf(const char* direction, const JpegVariant& v)
 {
     return std::string("jpeg.") + direction + (v.progressive ? ".prog." : ".base.") +
@@ -91,7 +74,7 @@ size_t streamCapacity(const Picture& picture)
 Case encodeCase(const JpegSide& side, const std::string& key, const SharedPicture& picture,
                 const JpegVariant& variant)
 {
-    auto stream = std::make_shared<JpegStream>(streamCapacity(*picture));
+    auto stream = std::make_shared<CodedStream>(streamCapacity(*picture));
     return {key, side.who, picture->pixels(),
             [stream, encode = side.encoder(picture, variant, stream)] {
                 encode();
@@ -105,7 +88,7 @@ Case encodeCase(const JpegSide& side, const std::string& key, const SharedPictur
 }
 
 Case decodeCase(const JpegSide& side, const std::string& key, const SharedPicture& picture,
-                const std::shared_ptr<const JpegStream>& stream)
+                const std::shared_ptr<const CodedStream>& stream)
 {
     const auto result = blankLike(*picture);
     return {key, side.who, picture->pixels(),
@@ -142,7 +125,7 @@ std::vector<Case> jpegCases(const SharedPicture& picture, const Wanted& wanted)
             for (const JpegSide* side : sides) cases.push_back(encodeCase(*side, key, source, variant));
         if (const std::string key = keyOf("dec", variant); wanted(key)) {
             // All sides decode one stream; the peer's, where there is one.
-            const auto stream = std::make_shared<JpegStream>(streamCapacity(*source));
+            const auto stream = std::make_shared<CodedStream>(streamCapacity(*source));
             sides.back()->encoder(source, variant, stream)();
             for (const JpegSide* side : sides) cases.push_back(decodeCase(*side, key, source, stream));
         }

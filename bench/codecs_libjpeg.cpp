@@ -39,7 +39,7 @@ std::vector<JSAMPROW> rowsOf(const Picture& picture)
 
 class Encoder {
 public:
-    Encoder(SharedPicture picture, const JpegVariant& variant, std::shared_ptr<JpegStream> stream)
+    Encoder(SharedPicture picture, const JpegVariant& variant, std::shared_ptr<CodedStream> stream)
         : m_picture(std::move(picture)), m_stream(std::move(stream)), m_rows(rowsOf(*m_picture))
     {
         m_info.err = errorManager();
@@ -75,14 +75,14 @@ public:
 
 private:
     SharedPicture m_picture;
-    std::shared_ptr<JpegStream> m_stream;
+    std::shared_ptr<CodedStream> m_stream;
     std::vector<JSAMPROW> m_rows;
     jpeg_compress_struct m_info;
 };
 
 class Decoder {
 public:
-    Decoder(std::shared_ptr<const JpegStream> stream, std::shared_ptr<Picture> result)
+    Decoder(std::shared_ptr<const CodedStream> stream, std::shared_ptr<Picture> result)
         : m_stream(std::move(stream)), m_result(std::move(result)), m_rows(rowsOf(*m_result))
     {
         m_info.err = errorManager();
@@ -107,19 +107,19 @@ public:
     }
 
 private:
-    std::shared_ptr<const JpegStream> m_stream;
+    std::shared_ptr<const CodedStream> m_stream;
     std::shared_ptr<Picture> m_result;
     std::vector<JSAMPROW> m_rows;
     jpeg_decompress_struct m_info;
 };
 
 std::function<void()> encoder(const SharedPicture& picture, const JpegVariant& variant,
-                              const std::shared_ptr<JpegStream>& stream)
+                              const std::shared_ptr<CodedStream>& stream)
 {
     return [coder = std::make_shared<Encoder>(picture, variant, stream)] { coder->encode(); };
 }
 
-std::function<void()> decoder(const std::shared_ptr<const JpegStream>& stream,
+std::function<void()> decoder(const std::shared_ptr<const CodedStream>& stream,
                               const std::shared_ptr<Picture>& result)
 {
     return [coder = std::make_shared<Decoder>(stream, result)] { coder->decode(); };

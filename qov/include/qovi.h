@@ -9,18 +9,22 @@
 #define QOV_QOVI_H
 
 #include "qovdefs.h"
+#include "qovicodeblock.h"
 #include "qovicolor.h"
 #include "qovicomponent.h"
 #include "qovicopy.h"
 #include "qovidct.h"
 #include "qovihuffman.h"
 #include "qovihuffrow.h"
+#include "qoviimage.h"
 #include "qovimcu.h"
 #include "qovipacked.h"
 #include "qovipredict.h"
 #include "qoviresample.h"
 #include "qovisample.h"
 #include "qovitiff.h"
+#include "qovivector.h"
+#include "qoviwavelet.h"
 
 QOV_API const QovLibraryVersion* qoviGetLibVersion(void);
 

@@ -2,6 +2,8 @@
 #ifndef QOV_ACTIVE_H
 #define QOV_ACTIVE_H
 
+#include "kernels/codeblock.h"
+#include "kernels/codeblockdec.h"
 #include "kernels/copy.h"
 #include "kernels/jadd.h"
 #include "kernels/jcolor.h"
@@ -18,26 +20,32 @@
 #include "kernels/jresample.h"
 #include "kernels/jsample.h"
 #include "kernels/tiff.h"
+#include "kernels/vector.h"
+#include "kernels/wavelet.h"
 
 // Every family once: F(x, name in the table, its struct).
 // clang-format off
-#define QOV_FAMILIES(F, x)            \
-    F(x, add, AddKernels)             \
-    F(x, color, ColorKernels)         \
-    F(x, component, ComponentKernels) \
-    F(x, copy, CopyKernels)           \
-    F(x, dctFwd, DctFwdKernels)       \
-    F(x, dctInv, DctInvKernels)       \
-    F(x, huffDec, HuffDecKernels)     \
-    F(x, huffEnc, HuffEncKernels)     \
-    F(x, huffRow, HuffRowKernels)     \
-    F(x, mcu, McuKernels)             \
-    F(x, packed, PackedKernels)       \
-    F(x, predict, PredictKernels)     \
-    F(x, quant, QuantKernels)         \
-    F(x, resample, ResampleKernels)   \
-    F(x, sample, SampleKernels)       \
-    F(x, tiff, TiffKernels)
+#define QOV_FAMILIES(F, x)                  \
+    F(x, add, AddKernels)                   \
+    F(x, codeBlock, CodeBlockKernels)       \
+    F(x, codeBlockDec, CodeBlockDecKernels) \
+    F(x, color, ColorKernels)               \
+    F(x, component, ComponentKernels)       \
+    F(x, copy, CopyKernels)                 \
+    F(x, dctFwd, DctFwdKernels)             \
+    F(x, dctInv, DctInvKernels)             \
+    F(x, huffDec, HuffDecKernels)           \
+    F(x, huffEnc, HuffEncKernels)           \
+    F(x, huffRow, HuffRowKernels)           \
+    F(x, mcu, McuKernels)                   \
+    F(x, packed, PackedKernels)             \
+    F(x, predict, PredictKernels)           \
+    F(x, quant, QuantKernels)               \
+    F(x, resample, ResampleKernels)         \
+    F(x, sample, SampleKernels)             \
+    F(x, tiff, TiffKernels)                 \
+    F(x, vector, VectorKernels)             \
+    F(x, wavelet, WaveletKernels)
 // clang-format on
 
 namespace qov {

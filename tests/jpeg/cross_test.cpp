@@ -1,7 +1,7 @@
 // The codec beside cjpeg, djpeg and ImageMagick: what each of them and we make of the other's streams.
 #include "jpegdec.h"
 #include "jpegenc.h"
-#include "oracle.h"
+#include "support/oracle.h"
 #include "support/shared_data.h"
 #include "support/tempfile.h"
 

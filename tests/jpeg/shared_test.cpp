@@ -1,8 +1,8 @@
 // The decoder on files from elsewhere: each row of the list tells what has to come out, and djpeg (for CMYK
 // ImageMagick) shows the picture. An outcome that this test does not understand is a failure.
 #include "jpegdec.h"
-#include "oracle.h"
 #include "support/md5.h"
+#include "support/oracle.h"
 #include "support/shared_data.h"
 
 #include <algorithm>

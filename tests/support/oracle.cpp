@@ -58,8 +58,14 @@ Picture parsePnm(const std::string& file)
 {
     std::istringstream in(file);
     std::string magic;
-    int width = 0, height = 0, maxval = 0;
-    in >> magic >> width >> height >> maxval;
+    in >> magic;
+    const auto number = [&] {
+        while ((in >> std::ws).peek() == '#') in.ignore(1 << 20, '\n');
+        int n = 0;
+        in >> n;
+        return n;
+    };
+    const int width = number(), height = number(), maxval = number();
     in.ignore(1);
     if ((magic != "P5" && magic != "P6") || maxval != 255) {
         ADD_FAILURE() << "not a PNM file: " << file.substr(0, 16);
@@ -74,8 +80,8 @@ Picture parsePnm(const std::string& file)
 
 std::string pnmOf(const Picture& picture)
 {
-    return (picture.channels == 3 ? "P6 " : "P5 ") + std::to_string(picture.width) + " " +
-           std::to_string(picture.height) + " 255\n" +
+    return (picture.channels == 3 ? "P6\n" : "P5\n") + std::to_string(picture.width) + " " +
+           std::to_string(picture.height) + "\n255\n" +
            std::string(picture.samples.begin(), picture.samples.end());
 }
 

@@ -1,7 +1,7 @@
 // Pictures and other programs for tests that look at a stream from both sides: the photos that lie beside the
 // project, programs run as filters, and how far two pictures are apart.
-#ifndef TESTS_JPEG_ORACLE_H
-#define TESTS_JPEG_ORACLE_H
+#ifndef TESTS_SUPPORT_ORACLE_H
+#define TESTS_SUPPORT_ORACLE_H
 
 #include <functional>
 #include <string>

@@ -1,0 +1,276 @@
+// Columns of samples through the lifting steps of a filter: whole columns, and one step of a pipeline that
+// the caller keeps the rows of.
+#ifndef QOV_KERNELS_WAVELET_COLUMNS_H
+#define QOV_KERNELS_WAVELET_COLUMNS_H
+
+#include "wavelet_transforms.h"
+
+namespace qov::QOV_LEVEL {
+namespace {
+
+// The rows of a side.
+template <class T>
+struct SampleRows {
+    T* data;
+    ptrdiff_t step;
+
+    inline T* operator[](ptrdiff_t y) const { return atByte(data, y * step); }
+};
+
+// A Pair is what one step reads, of pair m, and writes, of pair n.
+template <class Filter, class T>
+struct AnalysedColumns {
+    SampleRows<const T> src;
+    SampleRows<T> low, high;
+
+    struct Pair {
+        const T *odd, *even;
+        T *low, *high;
+
+        template <class V>
+        inline void samples(ptrdiff_t x, V& target, V& known) const
+        {
+            target = get<V>(odd + x);
+            known = get<V>(even + x);
+        }
+        template <class V>
+        inline void result(ptrdiff_t x, const Chain<Filter, alongColumns, V>& chain, V, V lifted) const
+        {
+            V l = lifted, h = chain.before[Filter::steps - 1];
+            Filter::finish(l, h);
+            put(low + x, l);
+            put(high + x, h);
+        }
+    };
+    inline Pair pair(ptrdiff_t m, ptrdiff_t n, ptrdiff_t x) const
+    {
+        return {src[2 * m - 1] + x, src[2 * m] + x, low[n] + x, high[n] + x};
+    }
+    template <class V>
+    inline V known(ptrdiff_t m, ptrdiff_t x) const
+    {
+        return get<V>(src[2 * m] + x);
+    }
+};
+
+template <class Filter, class T>
+struct SynthesisedColumns {
+    SampleRows<const T> low, high;
+    SampleRows<T> dst;
+
+    struct Pair {
+        const T *low, *high;
+        T *even, *odd;
+
+        template <class V>
+        inline void samples(ptrdiff_t x, V& target, V& known) const
+        {
+            target = get<V>(low + x);
+            known = get<V>(high + x);
+            Filter::prepare(target, known);
+        }
+        template <class V>
+        inline void result(ptrdiff_t x, const Chain<Filter, alongColumns, V>&, V earlier, V lifted) const
+        {
+            put(even + x, earlier);
+            put(odd + x, lifted);
+        }
+    };
+    inline Pair pair(ptrdiff_t m, ptrdiff_t n, ptrdiff_t x) const
+    {
+        return {low[m] + x, high[m] + x, dst[2 * n] + x, dst[2 * n + 1] + x};
+    }
+    template <class V>
+    inline V known(ptrdiff_t m, ptrdiff_t x) const
+    {
+        V unused{}, v = get<V>(high[m] + x);
+        Filter::prepare(unused, v);
+        return v;
+    }
+};
+
+// Columns go in strips whose chains stay in the nearest cache, and several pairs of rows at a time, between
+// which the chains stay in registers.
+template <class Filter, class T, class Columns>
+struct ColumnTransform {
+    typedef Widest<T> Vector;
+    template <class V>
+    using ColumnChain = Chain<Filter, alongColumns, V>;
+    static constexpr int steps = Filter::steps;
+    static constexpr ptrdiff_t delay = ColumnChain<T>::delay, atOnce = Holds<Vector>::count;
+    static constexpr ptrdiff_t stripWidth = 2048 / sizeof(T);
+    static constexpr int pairsAtOnce = 4;
+
+    struct Strip {
+        alignas(64) T before[steps][stripWidth];
+    };
+
+    template <bool results, int pairs, class V>
+    static inline void advance(const Columns& columns, Strip& strip, ptrdiff_t n, ptrdiff_t first,
+                               ptrdiff_t width)
+    {
+        typename Columns::Pair pair[pairs];
+        for (int i = 0; i < pairs; i++) pair[i] = columns.pair(n + i + delay, results ? n + i : 0, first);
+        for (ptrdiff_t x = 0; x < width; x += Holds<V>::count) {
+            ColumnChain<V> chain;
+            for (int i = 0; i < steps; i++) chain.before[i] = get<V>(&strip.before[i][x]);
+            for (int i = 0; i < pairs; i++) {
+                V target, known;
+                pair[i].samples(x, target, known);
+                chain.advance(target, known);
+                if (results) pair[i].result(x, chain, target, known);
+            }
+            for (int i = 0; i < steps; i++) put(&strip.before[i][x], chain.before[i]);
+        }
+    }
+
+    template <class V>
+    static void run(const Columns& columns, ptrdiff_t first, ptrdiff_t width, ptrdiff_t count)
+    {
+        Strip strip;
+        for (ptrdiff_t x = 0; x < width; x += Holds<V>::count) {
+            put(&strip.before[0][x], columns.template known<V>(-delay, first + x));
+            for (int i = 1; i < steps; i++) put(&strip.before[i][x], V{});
+        }
+        ptrdiff_t n = 1 - 2 * delay;
+        for (; n < 0; n++) advance<false, 1, V>(columns, strip, n, first, width);
+        for (; n + pairsAtOnce <= count; n += pairsAtOnce)
+            advance<true, pairsAtOnce, V>(columns, strip, n, first, width);
+        for (; n < count; n++) advance<true, 1, V>(columns, strip, n, first, width);
+    }
+
+    // Columns that fill no vector go with some that are done already.
+    static inline void runAll(const Columns& columns, QoviSize roi)
+    {
+        const ptrdiff_t width = roi.width, count = roi.height;
+        assert(width > 0 && count > 0);
+        if (width < atOnce) return run<T>(columns, 0, width, count);
+        for (ptrdiff_t x = 0; x < width;) {
+            ptrdiff_t strip = width - x < stripWidth ? (width - x) / atOnce * atOnce : stripWidth;
+            if (strip == 0) {
+                x = width - atOnce;
+                strip = atOnce;
+            }
+            run<Vector>(columns, x, strip, count);
+            x += strip;
+        }
+    }
+};
+
+template <class Filter, class T>
+void analyseColumns(const T* src, ptrdiff_t srcStep, T* low, ptrdiff_t lowStep, T* high, ptrdiff_t highStep,
+                    QoviSize roi)
+{
+    typedef AnalysedColumns<Filter, T> Columns;
+    ColumnTransform<Filter, T, Columns>::runAll(Columns{{src, srcStep}, {low, lowStep}, {high, highStep}},
+                                                roi);
+}
+
+template <class Filter, class T>
+void synthesiseColumns(const T* low, ptrdiff_t lowStep, const T* high, ptrdiff_t highStep, T* dst,
+                       ptrdiff_t dstStep, QoviSize roi)
+{
+    typedef SynthesisedColumns<Filter, T> Columns;
+    ColumnTransform<Filter, T, Columns>::runAll(Columns{{low, lowStep}, {high, highStep}, {dst, dstStep}},
+                                                roi);
+}
+
+// A step of a 5-3 pipeline: `target` lies between the rows `before` and `behind` and is lifted to `first`;
+// that and `earlier`, the `first` of the step before, lie around the row `before`, which is lifted to
+// `second`.
+template <class Filter, class T>
+struct Lift53 {
+    const T *before, *target, *behind, *earlier;
+    T *first, *second;
+
+    template <class V>
+    struct Result {
+        V first, second;
+    };
+    template <class V>
+    inline Result<V> take(ptrdiff_t x) const
+    {
+        const V a = get<V>(before + x), b = get<V>(behind + x);
+        const V lifted = Filter::template lift<0>(get<V>(target + x), a, b);
+        return {lifted, Filter::template lift<1>(a, get<V>(earlier + x), lifted)};
+    }
+    template <class V>
+    inline void write(ptrdiff_t x, Result<V> result) const
+    {
+        put(first + x, result.first);
+        put(second + x, result.second);
+    }
+};
+
+template <class T>
+void forward53(const T* even0, const T* odd, const T* even1, const T* highPrev, T* low, T* high,
+               ptrdiff_t width)
+{
+    forElements<Widest<T>, T>(Lift53<B53Forward, T>{even0, odd, even1, highPrev, high, low}, width);
+}
+
+template <class T>
+void inverse53(const T* low1, const T* high0, const T* high1, const T* even0, T* odd, T* even1,
+               ptrdiff_t width)
+{
+    forElements<Widest<T>, T>(Lift53<B53Inverse, T>{high0, low1, high1, even0, even1, odd}, width);
+}
+
+// A step of a 9-7 pipeline: four rows lifted in place, the newest first. Row i lies between rows i - 1 and i
+// + 1; rows -1 and 4 are only read.
+template <class Filter, class T>
+struct Lift97 {
+    const T* newest;
+    T* row[4];
+    const T* oldest;
+
+    template <class V>
+    struct Result {
+        V row[4];
+    };
+    template <class V>
+    inline Result<V> take(ptrdiff_t x) const
+    {
+        Result<V> r;
+        const V next[4] = {fetch(row[1] + x, V()), fetch(row[2] + x, V()), fetch(row[3] + x, V()),
+                           fetch(oldest + x, V())};
+        r.row[0] = lifted<0>(fetch(row[0] + x, V()), fetch(newest + x, V()), next[0]);
+        r.row[1] = lifted<1>(next[0], r.row[0], next[1]);
+        r.row[2] = lifted<2>(next[1], r.row[1], next[2]);
+        r.row[3] = lifted<3>(next[2], r.row[2], next[3]);
+        return r;
+    }
+    template <int step, class V>
+    static inline V lifted(V target, V before, V behind)
+    {
+        return saturated<T>(Filter::template lift<step>(target, before, behind));
+    }
+    template <class V>
+    inline void write(ptrdiff_t x, const Result<V>& result) const
+    {
+        for (int i = 0; i < 4; i++) keep(row[i] + x, result.row[i]);
+    }
+};
+
+template <class Filter, class T>
+inline void lift97(const Lift97<Filter, T>& rows, ptrdiff_t width)
+{
+    forElements<typename Lifted<Filter, T>::Vector, typename Lifted<Filter, T>::Number>(rows, width);
+}
+
+template <class T>
+void forward97(const T* low0, T* high0, T* low1, T* high1, T* low2, const T* high2, ptrdiff_t width)
+{
+    lift97(Lift97<D97Forward, T>{low0, {high0, low1, high1, low2}, high2}, width);
+}
+
+template <class T>
+void inverse97(T* low0, const T* high0, T* low1, T* high1, const T* low2, T* high2, ptrdiff_t width)
+{
+    lift97(Lift97<D97Inverse, T>{high0, {low0, high1, low1, high2}, low2}, width);
+}
+
+} // namespace
+} // namespace qov::QOV_LEVEL
+
+#endif

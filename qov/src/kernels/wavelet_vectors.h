@@ -1,0 +1,296 @@
+// How samples come into the numbers and vectors of a filter, and leave them.
+#ifndef QOV_KERNELS_WAVELET_VECTORS_H
+#define QOV_KERNELS_WAVELET_VECTORS_H
+
+#include "wavelet_filters.h"
+
+namespace qov::QOV_LEVEL {
+namespace {
+
+// The numbers before those of `now`, the first of which is the last one of `before`.
+template <class V>
+inline V previous(V before, V)
+{
+    return before;
+}
+
+// Elements that follow each other: fetch(p, V()) gives as many as V holds, keep takes them.
+template <class V, class T>
+inline V fetch(const T* p, V)
+{
+    return get<V>(p);
+}
+inline Qov64s fetch(const Qov16s* p, Qov64s)
+{
+    return *p;
+}
+inline Qov64s fetch(const Qov32s* p, Qov64s)
+{
+    return *p;
+}
+template <class T, class V>
+inline void keep(T* p, V v)
+{
+    put(p, v);
+}
+template <class T>
+inline void keep(T* p, Qov64s v)
+{
+    *p = T(v);
+}
+
+// Elements that alternate.
+template <class T, class V>
+inline void split(const T* p, V& first, V& second)
+{
+    first = fetch(p, V());
+    second = fetch(p + 1, V());
+}
+template <class T, class V>
+inline void join(T* p, V first, V second)
+{
+    keep(p, first);
+    keep(p + 1, second);
+}
+
+#if defined(QOV_SIMD256)
+
+#if defined(__AVX2__)
+typedef __m256i Bits;
+inline Bits loadLanes(const void* first, const void* second)
+{
+    return lanes(_mm_loadu_si128((const __m128i*)first), _mm_loadu_si128((const __m128i*)second));
+}
+template <int bytes>
+inline Bits previousBits(Bits before, Bits now)
+{
+#if defined(__AVX512VL__)
+    if constexpr (bytes == 4) return _mm256_alignr_epi32(now, before, 7);
+    if constexpr (bytes == 8) return _mm256_alignr_epi64(now, before, 3);
+#endif
+    return _mm256_alignr_epi8(now, crossHighAndLow(before, now), 16 - bytes);
+}
+// Dwords or words 0, 2, ... and 1, 3, ... from p on.
+#if defined(__AVX512VL__) && defined(__AVX512BW__)
+inline void splitDwords(const char* p, Bits& even, Bits& odd)
+{
+    const Bits a = load(p), b = load(p + 32);
+    even = _mm256_permutex2var_epi32(a, _mm256_setr_epi32(0, 2, 4, 6, 8, 10, 12, 14), b);
+    odd = _mm256_permutex2var_epi32(a, _mm256_setr_epi32(1, 3, 5, 7, 9, 11, 13, 15), b);
+}
+inline void splitWords(const char* p, Bits& even, Bits& odd)
+{
+    const Bits order = _mm256_setr_epi16(0, 2, 4, 6, 8, 10, 12, 14, 16, 18, 20, 22, 24, 26, 28, 30);
+    const Bits a = load(p), b = load(p + 32);
+    even = _mm256_permutex2var_epi16(a, order, b);
+    odd = _mm256_permutex2var_epi16(a, _mm256_add_epi16(order, all16(1)), b);
+}
+#else
+inline void splitDwords(const char* p, Bits& even, Bits& odd)
+{
+    const Bits a = loadLanes(p, p + 32), b = loadLanes(p + 16, p + 48);
+    even = evenDwords(a, b);
+    odd = oddDwords(a, b);
+}
+inline void splitWords(const char* p, Bits& even, Bits& odd)
+{
+    const Bits order = bothLanes(_mm_setr_epi8(0, 1, 4, 5, 8, 9, 12, 13, 2, 3, 6, 7, 10, 11, 14, 15));
+    const Bits a = shuffleBytes(loadLanes(p, p + 32), order);
+    const Bits b = shuffleBytes(loadLanes(p + 16, p + 48), order);
+    even = lowQwords(a, b);
+    odd = highQwords(a, b);
+}
+#endif
+inline void joinHalves(char* p, Bits low, Bits high)
+{
+    store(p, crossLowLanes(low, high));
+    store(p + 32, crossHighLanes(low, high));
+}
+inline void joinDwords(char* p, Bits even, Bits odd)
+{
+    joinHalves(p, lowDwords(even, odd), highDwords(even, odd));
+}
+inline void joinWords(char* p, Bits even, Bits odd)
+{
+    joinHalves(p, lowWords(even, odd), highWords(even, odd));
+}
+#else
+typedef __m128i Bits;
+template <int bytes>
+inline Bits previousBits(Bits before, Bits now)
+{
+    return _mm_alignr_epi8(now, before, 16 - bytes);
+}
+inline void splitDwords(const char* p, Bits& even, Bits& odd)
+{
+    const Bits a = get<Bits>(p), b = get<Bits>(p + 16);
+    even = shuffleDwords(a, b, false);
+    odd = shuffleDwords(a, b, true);
+}
+inline void splitWords(const char* p, Bits& even, Bits& odd)
+{
+    const Bits order = _mm_setr_epi8(0, 1, 4, 5, 8, 9, 12, 13, 2, 3, 6, 7, 10, 11, 14, 15);
+    const Bits a = _mm_shuffle_epi8(get<Bits>(p), order), b = _mm_shuffle_epi8(get<Bits>(p + 16), order);
+    even = _mm_unpacklo_epi64(a, b);
+    odd = _mm_unpackhi_epi64(a, b);
+}
+inline void joinDwords(char* p, Bits even, Bits odd)
+{
+    put(p, _mm_unpacklo_epi32(even, odd));
+    put(p + 16, _mm_unpackhi_epi32(even, odd));
+}
+inline void joinWords(char* p, Bits even, Bits odd)
+{
+    put(p, _mm_unpacklo_epi16(even, odd));
+    put(p + 16, _mm_unpackhi_epi16(even, odd));
+}
+#endif
+
+inline Vector16s previous(Vector16s before, Vector16s now)
+{
+    return (Vector16s)previousBits<2>((Bits)before, (Bits)now);
+}
+inline Vector32s previous(Vector32s before, Vector32s now)
+{
+    return (Vector32s)previousBits<4>((Bits)before, (Bits)now);
+}
+inline Vector32f previous(Vector32f before, Vector32f now)
+{
+    return (Vector32f)previousBits<4>((Bits)before, (Bits)now);
+}
+inline Doubles previous(Doubles before, Doubles now)
+{
+    return (Doubles)previousBits<8>((Bits)before, (Bits)now);
+}
+
+template <class T, class V>
+inline void splitVectors(const T* p, V& even, V& odd)
+{
+    Bits e, o;
+    if constexpr (sizeof(T) == 2)
+        splitWords((const char*)p, e, o);
+    else
+        splitDwords((const char*)p, e, o);
+    even = (V)e;
+    odd = (V)o;
+}
+template <class T, class V>
+inline void joinVectors(T* p, V even, V odd)
+{
+    if constexpr (sizeof(T) == 2)
+        joinWords((char*)p, (Bits)even, (Bits)odd);
+    else
+        joinDwords((char*)p, (Bits)even, (Bits)odd);
+}
+#define QOV_SPLIT_AND_JOIN(T, V)                                                                             \
+    inline void split(const T* p, V& even, V& odd)                                                           \
+    {                                                                                                        \
+        splitVectors(p, even, odd);                                                                          \
+    }                                                                                                        \
+    inline void join(T* p, V even, V odd)                                                                    \
+    {                                                                                                        \
+        joinVectors(p, even, odd);                                                                           \
+    }
+QOV_SPLIT_AND_JOIN(Qov16s, Vector16s)
+QOV_SPLIT_AND_JOIN(Qov32s, Vector32s)
+QOV_SPLIT_AND_JOIN(Qov32f, Vector32f)
+#undef QOV_SPLIT_AND_JOIN
+
+// Whole numbers in doubles, within the range of their type.
+inline Doubles fetch(const Qov32s* p, Doubles)
+{
+    return widen(p);
+}
+#if defined(__AVX2__)
+inline Doubles fetch(const Qov16s* p, Doubles)
+{
+    return _mm256_cvtepi32_pd(_mm_cvtepi16_epi32(_mm_loadl_epi64((const __m128i*)p)));
+}
+inline __m128i wholeNumbers(Doubles v)
+{
+    return _mm256_cvtpd_epi32(v);
+}
+inline void keep(Qov32s* p, Doubles v)
+{
+    put(p, wholeNumbers(v));
+}
+inline void keep(Qov16s* p, Doubles v)
+{
+    const __m128i whole = wholeNumbers(v);
+    _mm_storel_epi64((__m128i*)p, _mm_packs_epi32(whole, whole));
+}
+inline void splitDoubles(__m256i evenThenOdd, Doubles& even, Doubles& odd)
+{
+    even = _mm256_cvtepi32_pd(lowLane(evenThenOdd));
+    odd = _mm256_cvtepi32_pd(highLane(evenThenOdd));
+}
+inline void split(const Qov32s* p, Doubles& even, Doubles& odd)
+{
+    splitDoubles(_mm256_permutevar8x32_epi32(load(p), _mm256_setr_epi32(0, 2, 4, 6, 1, 3, 5, 7)), even, odd);
+}
+inline void split(const Qov16s* p, Doubles& even, Doubles& odd)
+{
+    const __m128i order = _mm_setr_epi8(0, 1, 4, 5, 8, 9, 12, 13, 2, 3, 6, 7, 10, 11, 14, 15);
+    splitDoubles(_mm256_cvtepi16_epi32(_mm_shuffle_epi8(get<__m128i>(p), order)), even, odd);
+}
+inline void join(Qov32s* p, Doubles even, Doubles odd)
+{
+    const __m128i e = wholeNumbers(even), o = wholeNumbers(odd);
+    put(p, _mm_unpacklo_epi32(e, o));
+    put(p + 4, _mm_unpackhi_epi32(e, o));
+}
+inline void join(Qov16s* p, Doubles even, Doubles odd)
+{
+    const __m128i e = wholeNumbers(even), o = wholeNumbers(odd);
+    put(p, _mm_packs_epi32(_mm_unpacklo_epi32(e, o), _mm_unpackhi_epi32(e, o)));
+}
+#else
+inline Doubles fetch(const Qov16s* p, Doubles)
+{
+    return _mm_cvtepi32_pd(_mm_cvtepi16_epi32(_mm_cvtsi32_si128(get<int>(p))));
+}
+inline __m128i wholeNumbers(Doubles even, Doubles odd)
+{
+    return _mm_unpacklo_epi32(_mm_cvtpd_epi32(even), _mm_cvtpd_epi32(odd));
+}
+inline void keep(Qov32s* p, Doubles v)
+{
+    _mm_storel_epi64((__m128i*)p, _mm_cvtpd_epi32(v));
+}
+inline void keep(Qov16s* p, Doubles v)
+{
+    const __m128i whole = _mm_cvtpd_epi32(v);
+    const int pair = _mm_cvtsi128_si32(_mm_packs_epi32(whole, whole));
+    put(p, pair);
+}
+inline void splitDoubles(__m128i evenThenOdd, Doubles& even, Doubles& odd)
+{
+    even = _mm_cvtepi32_pd(evenThenOdd);
+    odd = _mm_cvtepi32_pd(_mm_unpackhi_epi64(evenThenOdd, evenThenOdd));
+}
+inline void split(const Qov32s* p, Doubles& even, Doubles& odd)
+{
+    splitDoubles(_mm_shuffle_epi32(get<__m128i>(p), 0xD8), even, odd);
+}
+inline void split(const Qov16s* p, Doubles& even, Doubles& odd)
+{
+    const __m128i words = _mm_loadl_epi64((const __m128i*)p);
+    splitDoubles(_mm_cvtepi16_epi32(_mm_shufflelo_epi16(words, 0xD8)), even, odd);
+}
+inline void join(Qov32s* p, Doubles even, Doubles odd)
+{
+    put(p, wholeNumbers(even, odd));
+}
+inline void join(Qov16s* p, Doubles even, Doubles odd)
+{
+    const __m128i pairs = wholeNumbers(even, odd);
+    _mm_storel_epi64((__m128i*)p, _mm_packs_epi32(pairs, pairs));
+}
+#endif
+
+#endif
+
+} // namespace
+} // namespace qov::QOV_LEVEL
+
+#endif
