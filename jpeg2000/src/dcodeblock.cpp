@@ -44,6 +44,7 @@ QoviDecodeCBState* DCodeBlock::attachedState(const DCBSubband& band)
     } else if (stateSize > workspace.sharedStateSize) {
         workspace.sharedState.Free();
         workspace.sharedStateSize = 0;
+        workspace.budget->Take(static_cast<uint64_t>(stateSize));
         workspace.sharedState.Alloc(static_cast<size_t>(stateSize));
         workspace.sharedStateSize = stateSize;
     }

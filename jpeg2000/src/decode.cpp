@@ -13,10 +13,10 @@ namespace {
 using Input = MemoryBoundedInputBE;
 
 // Behind the main header.
-void decodeCodestream(DJP2Codestream<Input>& codestream, DecodingBudget& budget, _METABUFF& meta)
+void decodeCodestream(DJP2Codestream<Input>& codestream, _METABUFF& meta)
 {
     SetMRstrImageSizeAndDepths(codestream.mainHeader, meta.image);
-    ReAllocMetaImageComponents(codestream.mainHeader, budget, meta.components);
+    ReAllocMetaImageComponents(codestream.mainHeader, codestream.budget, meta.components);
     while (codestream.ReadNextTilePartHeader()) {
         while (codestream.ReadPacket()) {
         }
@@ -30,14 +30,14 @@ void describe(const DJP2BoxHeader& header, MRstrImage& image)
     SetMRstrImagePalette(header, image);
 }
 
-void decodeFile(Input& input, BDiagnOutput& sink, DecodingBudget& budget, _METABUFF& meta)
+void decodeFile(Input& input, BDiagnOutput& sink, _METABUFF& meta)
 {
     DJP2File<Input> file(input, sink);
     file.ReadSignatureBox();
     file.ReadFileTypeBox();
     file.FindAndReadHeaderBox();
     bool isFound = false;
-    for (; file.ReadNextCSMainHeader(); isFound = true) decodeCodestream(file.codestream, budget, meta);
+    for (; file.ReadNextCSMainHeader(); isFound = true) decodeCodestream(file.codestream, meta);
     if (!isFound) fail<TranscodingException{0}>();
     describe(file.boxHeader, meta.image);
 }
@@ -45,11 +45,10 @@ void decodeFile(Input& input, BDiagnOutput& sink, DecodingBudget& budget, _METAB
 void decodeSource(const CmdOptions& options, BDiagnOutput& sink, const _JP2BUFF& jp2, _METABUFF& meta)
 {
     Input input(jp2.buffer, jp2.length);
-    DecodingBudget budget; // of all codestreams together
-    if (options.srcType == FileType::jp2) return decodeFile(input, sink, budget, meta);
+    if (options.srcType == FileType::jp2) return decodeFile(input, sink, meta);
     DJP2Codestream<Input> codestream(input, sink);
     codestream.ReadMainHeader();
-    decodeCodestream(codestream, budget, meta);
+    decodeCodestream(codestream, meta);
     describe({}, meta.image);
 }
 

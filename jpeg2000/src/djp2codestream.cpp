@@ -14,10 +14,10 @@ bool DJP2Codestream<Input>::ReadMainHeader()
     m_isMoreData = m_isSOTPending = mainHeader.Read(m_input, m_sink);
     if (!m_isMoreData) return false;
     const unsigned nOfTiles = mainHeader.nOfTileColumns() * mainHeader.nOfTileRows();
-    m_budget.Take(nOfTiles * sizeof(DJP2CSTile));
+    budget.Take(nOfTiles * sizeof(DJP2CSTile));
     m_tiles.Alloc(nOfTiles);
     m_nOfTiles = nOfTiles;
-    for (unsigned i = 0; i < nOfTiles; i++) m_tiles[i].InitAttach(mainHeader, i, m_sink, m_budget);
+    for (unsigned i = 0; i < nOfTiles; i++) m_tiles[i].InitAttach(mainHeader, i, m_sink, budget);
     return true;
 }
 
@@ -89,7 +89,7 @@ void DJP2Codestream<Input>::readTilePartHeader()
     if (tile.tilePartIndex == 0) {
         // The tile's iterator has a copy of the main header's list; a list of the tile itself costs the
         // stream as much as it costs memory.
-        m_budget.Take(mainHeader.progrRanges.size * sizeof(JP2ProgrRange));
+        budget.Take(mainHeader.progrRanges.size * sizeof(JP2ProgrRange));
         tile.ReadPartHeader0(m_input);
     } else {
         DJP2CSTilePartHeaderN header;

@@ -13,6 +13,9 @@ template <class Input>
 class DJP2Codestream {
 public:
     DJP2CSMainHeader mainHeader;
+    // Of all codestreams of a file together, which bounds the time that it can take too. The image takes its
+    // samples from it as well.
+    DecodingBudget budget;
 
     // Both outlive this.
     DJP2Codestream(Input& codestreamInput, BDiagnOutput& sink) : m_input(codestreamInput), m_sink(sink) {}
@@ -36,7 +39,6 @@ private:
 
     Input& m_input;
     BDiagnOutput& m_sink;
-    DecodingBudget m_budget; // of all codestreams together, which bounds the time that a file can take too
     unsigned m_nOfTiles = 0;
     FixedBuffer<DJP2CSTile> m_tiles;
     unsigned m_currentTile = 0;

@@ -110,7 +110,8 @@ bool DJP2CSTile::areFirstTransformsEqual() const
 void DJP2CSTile::reserveMemory(const Rect* componentRects)
 {
     constexpr uint64_t maxNOfNodes = 1u << 22;
-    constexpr uint64_t bytesPerResolution = sizeof(FixedArray2D<uint32_t>); // of the iterator
+    constexpr uint64_t bytesPerResolution =
+        sizeof(FixedArray2D<uint32_t>) + sizeof(unsigned); // of the iterator
     unsigned nOfResolutions = 0;
     uint64_t nOfNodes = 0;
     for (unsigned c = 0; c < mainHeader->nOfComponents; c++) {
@@ -133,7 +134,7 @@ void DJP2CSTile::build()
     reserveMemory(componentRects);
 
     progrIterator.InitAttachStartProgrRangeTilePart0(rect, mainHeader->sampling.data, joint, codingStyles,
-                                                     nOfComponents, header0.ProgrRanges());
+                                                     nOfComponents, header0.ProgrRanges(), budget);
     workspace.sink = sink;
     workspace.budget = budget;
     workspace.isOneLayer = joint.nOfLayers <= 1;

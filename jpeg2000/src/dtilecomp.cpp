@@ -20,16 +20,14 @@ uint64_t nOfCells(unsigned from, unsigned size, unsigned order)
 void addBand(DTileComp::Demand& demand, const Rect& band, uint64_t precincts, const RectSize& codeBlockExps,
              const RectSize& precinctExps)
 {
-    constexpr uint64_t rowAlignment = 64; // of the library's images
-    constexpr uint64_t treeNodes = 3;     // a block's share of two tag trees, rounded up
+    constexpr uint64_t treeNodes = 3; // a block's share of two tag trees, rounded up
     if (band.width == 0 || band.height == 0) return;
     const uint64_t codeBlocks = nOfCells(band.x, band.width, Min(codeBlockExps.width, precinctExps.width)) *
                                 nOfCells(band.y, band.height, Min(codeBlockExps.height, precinctExps.height));
-    const uint64_t rowBytes = (band.width * uint64_t{sizeof(int)} + rowAlignment - 1) & ~(rowAlignment - 1);
     demand.nOfNodes += precincts + codeBlocks;
     demand.bytes += precincts * (sizeof(DPrecinct) + sizeof(uint32_t)) +
                     codeBlocks * (sizeof(DCodeBlock) + treeNodes * sizeof(TagTree::Node)) +
-                    rowBytes * band.height;
+                    planeNOfBytes(band);
 }
 
 } // namespace

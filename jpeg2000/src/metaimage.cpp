@@ -41,7 +41,7 @@ void ReAllocMetaImageComponents(const DJP2CSMainHeader& header, DecodingBudget& 
         const RectSize& step = header.sampling[i];
         sizes[i] = {nOfSamples(image.x, image.width, step.width),
                     nOfSamples(image.y, image.height, step.height)};
-        budget.Take(sizeof(int) * uint64_t{sizes[i].width} * sizes[i].height);
+        budget.Take(planeNOfBytes(sizes[i]));
     }
     components.ReAlloc(header.nOfComponents);
     for (unsigned i = 0; i < components.size; i++) {

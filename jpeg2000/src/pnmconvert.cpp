@@ -20,10 +20,7 @@ void ConvertImageChannelsToPNM(const MRstrImage& image, const PNMInfo& info, Ima
                                bool isUseResize, const BDiagnOutputPtr& sink)
 {
     const MRstrImagePalette& palette = image.palette;
-    if (palette.isPalettized) {
-        if (palette.nOfColumns > info.nOfChannels()) warn<MEPNMWarning{2}>(sink);
-        depalettize(palette, bitsOf(info), components);
-    }
+    if (palette.isPalettized) depalettize(palette, bitsOf(info), components);
     if (isUseResize) ResizeUp(components, info.size, qoviInterpolationLinear);
     if (!palette.isPalettized) ConverDirectImageComponentsToPNM(image, info, components, sink);
 }

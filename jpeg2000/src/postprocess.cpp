@@ -1,5 +1,7 @@
 #include "postprocess.h"
 
+#include "samplememory.h"
+
 #include "qovi.h"
 #include "qovs.h"
 
@@ -12,12 +14,6 @@ void LevShiftInv(T* row, unsigned width, JP2BitsPerComp depth)
 }
 
 namespace {
-
-// The memory of a row under its other type. It goes to primitives only, which move elements as bytes.
-Qov32f* asFloats(int* row)
-{
-    return reinterpret_cast<Qov32f*>(row);
-}
 
 void levShiftInv32f32s(int* row, unsigned width, JP2BitsPerComp depth)
 {

@@ -17,8 +17,9 @@ void copyArray(const FixedArray<JP2ProgrRange>& from, FixedArray<JP2ProgrRange>&
 void JP2TileProgrIterator::InitAttachStartProgrRangeTilePart0(
     const Rect& tileRect, const RectSize* sampling, const JP2CodingStyleJoint& codingStyleJoint,
     const JP2CodingStyleComp* const* codingStyles, unsigned componentCount,
-    const FixedArray<JP2ProgrRange>& progressionChanges)
+    const FixedArray<JP2ProgrRange>& progressionChanges, DecodingBudget* stepBudget)
 {
+    budget = stepBudget;
     samplingFactors = sampling;
     styles = codingStyles;
     nOfComponents = componentCount;
@@ -120,7 +121,7 @@ bool JP2TileProgrIterator::SetNextProgrRange()
 void JP2TileProgrIterator::operator++(int)
 {
     do {
-        isValid = Step();
+        isValid = nOfLayers > 0 && Step();
     } while (!isValid && SetNextProgrRange());
 }
 
@@ -223,7 +224,10 @@ bool JP2TileProgrIterator::StepCPRL()
 bool JP2TileProgrIterator::takePacket()
 {
     uint32_t& walked = countsOf(component, resolution)[precinctRow][precinctColumn];
-    if (layer < walked) return false;
+    if (layer < walked) {
+        takeSteps(1);
+        return false;
+    }
     walked++;
     return true;
 }
@@ -261,6 +265,7 @@ void JP2TileProgrIterator::FindComponentsWithPrecincts()
 // range's end.
 bool JP2TileProgrIterator::skipToPrecincts(unsigned r)
 {
+    takeSteps(1);
     component = componentFrom(component, r);
     return component < compEnd;
 }
@@ -287,6 +292,7 @@ void JP2TileProgrIterator::OptimizeStepPerComponent(unsigned c)
 
 void JP2TileProgrIterator::MinimizeStepPerComponent(unsigned c)
 {
+    takeSteps(stepsPerPosition * (styles[c]->nOfLevels + 1));
     for (unsigned r = 0; r <= styles[c]->nOfLevels; r++) {
         xStep = std::gcd(xStep, xAxis(c, r).period());
         yStep = std::gcd(yStep, yAxis(c, r).period());
@@ -296,7 +302,9 @@ void JP2TileProgrIterator::MinimizeStepPerComponent(unsigned c)
 // On success the precinct indices are those of the position.
 bool JP2TileProgrIterator::DoPrecinctChange()
 {
+    takeSteps(1);
     if (!hasPrecincts(component, resolution)) return false;
+    takeSteps(stepsPerPosition);
     const Axis xs = xAxis(component, resolution), ys = yAxis(component, resolution);
     if (!xs.isOpenedAt(x, modulusOf(xs)) || !ys.isOpenedAt(y, modulusOf(ys))) return false;
     precinctColumn = static_cast<unsigned>(xs.index(x) - xs.index(x0));

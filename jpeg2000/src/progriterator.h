@@ -3,6 +3,7 @@
 #define JPEG2000_PROGRITERATOR_H
 
 #include "codingstyle.h"
+#include "decodingbudget.h"
 
 #include <cstdint>
 
@@ -14,12 +15,14 @@ public:
     bool isValid = false;
 
     // Stands on the first packet afterwards. Sampling factors and styles are by component and stay the
-    // caller's. The caller has made sure that the tile has a bearable number of precincts.
+    // caller's. The caller has made sure that the tile has a bearable number of precincts; the budget, if
+    // any, bounds the walks over them that find no packet.
     void InitAttachStartProgrRangeTilePart0(const Rect& tileRect, const RectSize* sampling,
                                             const JP2CodingStyleJoint& codingStyleJoint,
                                             const JP2CodingStyleComp* const* codingStyles,
                                             unsigned componentCount,
-                                            const FixedArray<JP2ProgrRange>& progressionChanges);
+                                            const FixedArray<JP2ProgrRange>& progressionChanges,
+                                            DecodingBudget* stepBudget = nullptr);
 
     // The list of a later tile part runs from its start; an empty one brings back that of tile part 0.
     void AttachChangeProgrRangeTilePartN(const FixedArray<JP2ProgrRange>& changes);
@@ -78,6 +81,12 @@ private:
     bool skipToPrecincts(unsigned r);
 
     bool DoPrecinctChange();
+    // A look at a position for a component's resolution has some divisions.
+    static constexpr unsigned stepsPerPosition = 16;
+    void takeSteps(unsigned steps) const
+    {
+        if (budget) budget->TakeSteps(steps);
+    }
     bool takePacket();
     void giveBackPacket();
 
@@ -94,11 +103,15 @@ private:
     void forEachIn(const Scope& scope, F f) const
     {
         for (unsigned r = scope.resBegin; r < scope.resEnd; r++)
-            for (unsigned c = scope.compBegin; (c = componentFrom(c, r)) < scope.compEnd; c++) f(c, r);
+            for (unsigned c = scope.compBegin; (c = componentFrom(c, r)) < scope.compEnd; c++) {
+                takeSteps(stepsPerPosition);
+                f(c, r);
+            }
     }
 
     const JP2CodingStyleComp* const* styles = nullptr;
     const RectSize* samplingFactors = nullptr;
+    DecodingBudget* budget = nullptr;
     unsigned progression = 0;
     unsigned layer = 0, nOfLayers = 0;
     unsigned nOfComponents = 0, nOfResolutions = 0; // the most resolutions of any component

@@ -57,7 +57,7 @@ void Resize(const ImageComponent& src, const ImageComponent& dst, int interpolat
 void ResizeUp(ImageComponents& planes, const RectSize& size, int interpolation)
 {
     DecodingBudget budget;
-    for (unsigned i = 0; i < planes.size; i++) budget.Take(sizeof(int) * uint64_t{size.width} * size.height);
+    for (unsigned i = 0; i < planes.size; i++) budget.Take(planeNOfBytes(size));
     for (unsigned i = 0; i < planes.size; i++) {
         if (isSame(planes[i].size, size)) continue;
         ImageComponent larger;

@@ -13,12 +13,12 @@ namespace {
 
 using Const = WT97Const<float>;
 
-// The inverse scales, and the first lifts with the scale of the high samples that they read.
-constexpr float scaleOfLow = Const::KH, scaleOfHigh = Const::KL;
-constexpr float foldedDelta = Const::DELTA * scaleOfHigh, foldedDeltaX2 = Const::DELTAx2 * scaleOfHigh;
+constexpr float scaleOfLow = Const::KH, scaleOfHigh = Const::KL; // the inverse scales
 
-// Rows below this length have no inner part; the edges of longer ones do not read each other's samples of
-// the halves.
+// The first lift reads high samples before they are scaled: DELTA * KL and its double, each rounded once.
+constexpr float foldedDelta = 0.36052364f, foldedDeltaX2 = 0.7210473f;
+
+// An edge is made from up to eight samples; shorter rows are lifted as a whole.
 constexpr unsigned shortest = 8;
 
 // Lifting backwards.

@@ -1,6 +1,6 @@
 #include "wtfwd.h"
 
-#include "copyplane.h"
+#include "samplememory.h"
 #include "wt53fwd.h"
 #include "wt97fwd.h"
 

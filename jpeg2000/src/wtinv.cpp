@@ -1,6 +1,6 @@
 #include "wtinv.h"
 
-#include "copyplane.h"
+#include "samplememory.h"
 #include "wt53inv.h"
 #include "wt97inv.h"
 

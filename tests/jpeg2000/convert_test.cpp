@@ -298,6 +298,8 @@ TEST(MetaImage, RoomIsCountedBeforeItIsTaken)
     using NoMemory = DiagnDescrCT<MemoryException, MemoryException{0}>;
     EXPECT_THROW(ReAllocMetaImageComponents(header, budget, components), NoMemory);
     EXPECT_EQ(components.size, 0u);
+    header.imageRect = {0, 0, 1, 20'000'000}; // few samples, but as many rows
+    EXPECT_THROW(ReAllocMetaImageComponents(header, budget, components), NoMemory);
 
     header.imageRect = {1, 3, 4, 2};
     ReAllocMetaImageComponents(header, budget, components);

@@ -32,7 +32,8 @@ struct Tile {
         std::copy(precinctExps.begin(), precinctExps.end(), static_cast<RectSize*>(style.precinctSizeExp));
     }
 
-    void start(JP2TileProgrIterator& iterator, const std::vector<JP2ProgrRange>& changes = {})
+    void start(JP2TileProgrIterator& iterator, const std::vector<JP2ProgrRange>& changes = {},
+               DecodingBudget* budget = nullptr)
     {
         stylePointers.clear();
         for (const JP2CodingStyleComp& style : styles) stylePointers.push_back(&style);
@@ -40,7 +41,7 @@ struct Tile {
         list.ReAlloc(static_cast<unsigned>(changes.size()));
         Copy(changes, list, list.size);
         iterator.InitAttachStartProgrRangeTilePart0(rect, sampling.data(), joint, stylePointers.data(),
-                                                    static_cast<unsigned>(styles.size()), list);
+                                                    static_cast<unsigned>(styles.size()), list, budget);
     }
 
     std::vector<Packet> walked(const std::vector<JP2ProgrRange>& changes = {})
@@ -238,6 +239,29 @@ TEST(ProgrIterator, PassesOverComponentsWithoutPrecincts)
             tile.addComponent({factor, factor}, {{15, 15}});
             EXPECT_EQ(tile.walked().size(), factor == 1 ? 65535u : 0u);
         }
+}
+
+// Packets that earlier ranges have walked cost no bytes: thousands of ranges over them are not walked to the
+// end.
+TEST(ProgrIterator, WalksThatFindNothingAreBounded)
+{
+    const std::vector<JP2ProgrRange> ranges(9000, {2, {0, 1}, {0, 4000}, 1});
+    Tile tile;
+    tile.rect = {0, 0, 128, 128};
+    tile.joint = {2, 1, false, false, false};
+    tile.addComponent({1, 1}, {{0, 0}});
+    for (unsigned c = 1; c < 4000; c++) tile.addComponent({255, 255}, {{15, 15}});
+    JP2TileProgrIterator iterator;
+    DecodingBudget budget;
+    budget.TakeSteps((1ull << 32) - (1 << 24));
+    EXPECT_THROW(
+        {
+            tile.start(iterator, ranges, &budget);
+            while (iterator.isValid) iterator++;
+        },
+        BDiagnDescr);
+    tile.joint.nOfLayers = 0;
+    EXPECT_TRUE(tile.walked(ranges).empty());
 }
 
 } // namespace

@@ -23,7 +23,7 @@ namespace {
 
 struct Wavelet53 {
     using Sample = int;
-    static constexpr int largestInRow = 0x3FFFFFFF; // sums of filtered samples leave 32 bits and come back
+    static constexpr int largestInRow = std::numeric_limits<int>::max(); // sums leave 32 bits and come back
     static constexpr double tolerance = 0;
     static constexpr auto forwardRow = WT53FwdRow<int>;
     static constexpr auto row = WT53InvRow<int>;
@@ -90,7 +90,8 @@ TYPED_TEST(InverseWavelet, RowsOfEveryLengthAndParity)
         for (unsigned origin = 0; origin < 2; origin++) {
             SCOPED_TRACE(::testing::Message() << size << " samples from " << origin);
             std::vector<T> src(size), low((size + 1 - origin) / 2), high((size + origin) / 2), dst(size);
-            for (T& one : src) one = this->sample(TypeParam::largestInRow);
+            const int largest = size == 1 ? 4095 : TypeParam::largestInRow; // a single sample is doubled
+            for (T& one : src) one = this->sample(largest);
             TypeParam::forwardRow(src.data(), {origin, size}, low.data(), high.data());
             TypeParam::row(low.data(), high.data(), {origin, size}, dst.data());
             for (unsigned i = 0; i < size; i++)

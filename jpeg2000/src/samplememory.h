@@ -1,12 +1,19 @@
-// Copying planes of 32-bit samples.
-#ifndef JPEG2000_COPYPLANE_H
-#define JPEG2000_COPYPLANE_H
+// Samples of 32 bits as memory, whose type is another one before and after a step of the codec: it goes to
+// the library's primitives only, which move elements as bytes.
+#ifndef JPEG2000_SAMPLEMEMORY_H
+#define JPEG2000_SAMPLEMEMORY_H
 
 #include "image.h"
 
 namespace jpeg2000 {
 
-// By the library, which moves the samples as twice as many of 16 bits.
+// A row under its other type.
+inline Qov32f* asFloats(int* row)
+{
+    return reinterpret_cast<Qov32f*>(row);
+}
+
+// Samples move as twice as many of 16 bits.
 template <class T>
 void copyPlane(const ImageCoreC<T, 1u>& src, const RectSize& size, const ImageCoreC<T, 1u>& dst)
 {
