@@ -1,7 +1,7 @@
 #include "jcomponent.h"
 
-#include "components256.h"
 #include "jcomponent_ict16.h"
+#include "wrapping.h"
 
 #include <emmintrin.h>
 
@@ -14,46 +14,6 @@ namespace {
 //
 // where T is an element or a register of them. Every formula has its operations in one order, so that all
 // levels give the same bits in floating point too.
-
-// The type that differences of T are formed in, modulo its range.
-template <class T>
-struct Wrapping;
-template <>
-struct Wrapping<Qov16s> {
-    typedef int Type; // holds them exactly
-};
-template <>
-struct Wrapping<Qov32s> {
-    typedef Qov32u Type;
-};
-#if defined(QOV_SIMD256)
-template <>
-struct Wrapping<Vector16s> {
-    typedef Vector16u Type;
-};
-template <>
-struct Wrapping<Vector32s> {
-    typedef Vector32u Type;
-};
-#endif
-template <class T>
-inline T add(T a, T b)
-{
-    typedef typename Wrapping<T>::Type U;
-    return T(U(a) + U(b));
-}
-template <class T>
-inline T subtract(T a, T b)
-{
-    typedef typename Wrapping<T>::Type U;
-    return T(U(a) - U(b));
-}
-// (a + b) >> 1 of the exact sum: it needs no wider type.
-template <class T>
-inline T halfOfSum(T a, T b)
-{
-    return T((a & b) + ((a ^ b) >> 1));
-}
 
 struct RctForward {
     // (R + 2 G + B) >> 2 is the half of G and of (R + B) >> 1, both rounded down.
