@@ -120,7 +120,7 @@ void checkQuality(std::vector<Timed>& cases)
         const double quality = test.quality();
         if (i == 0 || cases[i - 1].test.key != test.key)
             first = quality;
-        else if (quality - first > 1.5)
+        else if (quality - first > 2)
             throw std::runtime_error(test.key + ": " + cases[i - 1].test.who + " " + std::to_string(first) +
                                      " dB, " + test.who + " " + std::to_string(quality) + " dB");
     }
