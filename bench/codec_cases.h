@@ -45,7 +45,7 @@ struct Case {
     size_t pixels;
     // Codes the picture once. Returns the bytes of the stream; throws std::runtime_error.
     std::function<size_t()> call;
-    // What the last call made, against the picture, in dB: where our side is lower by more than 1, it does
+    // What the last call made, against the picture, in dB: where our side is lower by more than 2, it does
     // not do the same work.
     std::function<double()> quality;
 };
