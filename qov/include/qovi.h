@@ -19,12 +19,16 @@
 #include "qoviimage.h"
 #include "qovimcu.h"
 #include "qovipacked.h"
+#include "qovipct.h"
 #include "qovipredict.h"
 #include "qoviresample.h"
 #include "qovisample.h"
+#include "qovitexture.h"
 #include "qovitiff.h"
 #include "qovivector.h"
+#include "qovivlc.h"
 #include "qoviwavelet.h"
+#include "qoviwavelet2d.h"
 
 QOV_API const QovLibraryVersion* qoviGetLibVersion(void);
 

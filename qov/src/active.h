@@ -19,9 +19,13 @@
 #include "kernels/jquant.h"
 #include "kernels/jresample.h"
 #include "kernels/jsample.h"
+#include "kernels/pct.h"
+#include "kernels/texturedec.h"
+#include "kernels/textureenc.h"
 #include "kernels/tiff.h"
 #include "kernels/vector.h"
 #include "kernels/wavelet.h"
+#include "kernels/xrcoder.h"
 
 // Every family once: F(x, name in the table, its struct).
 // clang-format off
@@ -39,13 +43,17 @@
     F(x, huffRow, HuffRowKernels)           \
     F(x, mcu, McuKernels)                   \
     F(x, packed, PackedKernels)             \
+    F(x, pct, PctKernels)                   \
     F(x, predict, PredictKernels)           \
     F(x, quant, QuantKernels)               \
     F(x, resample, ResampleKernels)         \
     F(x, sample, SampleKernels)             \
+    F(x, textureDec, TextureDecKernels)     \
+    F(x, textureEnc, TextureEncKernels)     \
     F(x, tiff, TiffKernels)                 \
     F(x, vector, VectorKernels)             \
-    F(x, wavelet, WaveletKernels)
+    F(x, wavelet, WaveletKernels)           \
+    F(x, xrCoder, XrCoderKernels)
 // clang-format on
 
 namespace qov {

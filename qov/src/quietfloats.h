@@ -4,6 +4,8 @@
 #ifndef QOV_QUIETFLOATS_H
 #define QOV_QUIETFLOATS_H
 
+#include "qovdefs.h"
+
 #include <xmmintrin.h>
 
 namespace qov {
@@ -21,6 +23,15 @@ public:
 
 private:
     unsigned m_saved;
+};
+
+// For the arithmetic on elements of type T: whole numbers need nothing.
+template <class T>
+struct QuietArithmetic {
+    QuietArithmetic() {}
+};
+template <>
+struct QuietArithmetic<Qov32f> : QuietFloats {
 };
 
 } // namespace qov

@@ -7,15 +7,6 @@ using namespace qov;
 
 namespace {
 
-// What arithmetic on T needs for the time of a call.
-template <class T>
-struct State {
-    State() {}
-};
-template <>
-struct State<Qov32f> : QuietFloats {
-};
-
 enum Direction { Row, Col };
 
 // Along columns there are always several rows of samples, and with their border several of the halves that
@@ -41,7 +32,7 @@ QovStatus forward(const WaveletPair<T>& kernels, const T* src, int srcStep, T* l
     if (shortSamples<direction, T>(srcStep, roi) || shortStep(lowStep, roi, sizeof(T)) ||
         shortStep(highStep, roi, sizeof(T)))
         return qovStsStep;
-    const State<T> state;
+    const QuietArithmetic<T> quiet;
     kernels.forward(src, srcStep, low, lowStep, high, highStep, roi);
     return qovStsNoErr;
 }
@@ -55,18 +46,18 @@ QovStatus inverse(const WaveletPair<T>& kernels, const T* low, int lowStep, cons
     if (shortBorderedHalf<direction, T>(lowStep, roi) || shortBorderedHalf<direction, T>(highStep, roi) ||
         shortSamples<direction, T>(dstStep, roi))
         return qovStsStep;
-    const State<T> state;
+    const QuietArithmetic<T> quiet;
     kernels.inverse(low, lowStep, high, highStep, dst, dstStep, roi);
     return qovStsNoErr;
 }
 
-// T only chooses the state; the rows are as the kernel has them.
+// T only chooses the arithmetic; the rows are as the kernel has them.
 template <class T, class Kernel, class... Rows>
 QovStatus lift(Kernel* kernel, int width, Rows*... rows)
 {
     if (anyNull(rows...)) return qovStsNullPtr;
     if (width < 1) return qovStsSize;
-    const State<T> state;
+    const QuietArithmetic<T> quiet;
     kernel(rows..., width);
     return qovStsNoErr;
 }

@@ -1,6 +1,7 @@
 #include "wavelet.h"
 
 #include "wavelet_columns.h"
+#include "wavelet_scale.h"
 
 namespace qov::QOV_LEVEL {
 
@@ -18,6 +19,8 @@ const WaveletKernels waveletKernels = {
     {forward97<Qov16s>, inverse97<Qov16s>},
     {forward97<Qov32s>, inverse97<Qov32s>},
     {forward97<Qov32f>, inverse97<Qov32f>},
+    {scaleRow<Qov16s, scale97>, scaleRow<Qov16s, inverseScale97>},
+    {scaleRow<Qov32s, scale97>, scaleRow<Qov32s, inverseScale97>},
 };
 
 } // namespace qov::QOV_LEVEL

@@ -35,6 +35,13 @@ struct Lifts97 {
     void (*inverse)(T* low0, const T* high0, T* low1, T* high1, const T* low2, T* high2, ptrdiff_t width);
 };
 
+// A row of whole numbers times the scale of D97, and over it; saturated.
+template <class T>
+struct Scales97 {
+    void (*times)(const T* src, T* dst, ptrdiff_t width);
+    void (*over)(const T* src, T* dst, ptrdiff_t width);
+};
+
 struct WaveletKernels {
     WaveletPair<Qov16s> rowB53_16s;
     WaveletPair<Qov32s> rowB53_32s;
@@ -49,6 +56,8 @@ struct WaveletKernels {
     Lifts97<Qov16s> liftD97_16s;
     Lifts97<Qov32s> liftD97_32s;
     Lifts97<Qov32f> liftD97_32f;
+    Scales97<Qov16s> scaleD97_16s;
+    Scales97<Qov32s> scaleD97_32s;
 };
 
 QOV_DECLARE_FAMILY(WaveletKernels, waveletKernels)

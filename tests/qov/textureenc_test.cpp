@@ -1,0 +1,393 @@
+// Encoding of texture blocks: what the blocks decode to, with a decoder written down plainly, and that every
+// level writes the same blocks.
+#include "qov_testing.h"
+#include "qovi.h"
+#include "support/oracle.h"
+#include "support/shared_data.h"
+
+#include <algorithm>
+#include <array>
+#include <cfenv>
+#include <cmath>
+#include <cstdint>
+
+namespace {
+
+typedef std::vector<Qov8u> Bytes;
+typedef std::array<int, 4> Texel; // the channels there are, then 0
+
+uint64_t bitsAt(const Qov8u* p, int bytes)
+{
+    uint64_t bits = 0;
+    for (int i = 0; i < bytes; i++) bits |= uint64_t(p[i]) << 8 * i;
+    return bits;
+}
+
+std::array<int, 8> rampOf(const Qov8u* block)
+{
+    const int a = block[0], b = block[1], gaps = a > b ? 7 : 5;
+    std::array<int, 8> ramp = {a, b, 0, 0, 0, 0, 0, 255};
+    for (int k = 1; k < gaps; k++) ramp[size_t(k + 1)] = ((gaps - k) * a + k * b) / gaps;
+    return ramp;
+}
+
+int rampTexel(const Qov8u* block, int i)
+{
+    return rampOf(block)[bitsAt(block + 2, 6) >> 3 * i & 7];
+}
+
+Texel expanded(int code)
+{
+    const int r = code >> 11, g = code >> 5 & 63, b = code & 31;
+    return {r << 3 | r >> 2, g << 2 | g >> 4, b << 3 | b >> 2, 255};
+}
+
+std::array<Texel, 4> paletteOf(const Qov8u* block, bool dxt1)
+{
+    const int c0 = int(bitsAt(block, 2)), c1 = int(bitsAt(block + 2, 2));
+    const Texel e0 = expanded(c0), e1 = expanded(c1);
+    const bool four = !dxt1 || c0 > c1;
+    Texel mixed[2] = {};
+    for (size_t c = 0; c < 4; c++) {
+        mixed[0][c] = four ? (2 * e0[c] + e1[c]) / 3 : (e0[c] + e1[c]) / 2;
+        mixed[1][c] = four ? (e0[c] + 2 * e1[c]) / 3 : 0;
+    }
+    return {e0, e1, mixed[0], mixed[1]};
+}
+
+Texel colourTexel(const Qov8u* block, int i, bool dxt1)
+{
+    return paletteOf(block, dxt1)[bitsAt(block + 4, 4) >> 2 * i & 3];
+}
+
+Texel withAlpha(Texel t, int alpha)
+{
+    t[3] = alpha;
+    return t;
+}
+
+typedef QovStatus Encode(const Qov8u*, int, QoviSize, Qov8u*);
+const struct Format {
+    const char* name;
+    Encode* encode;
+    int channels, blockBytes;
+    Texel (*texel)(const Qov8u* block, int i);
+} formats[] = {
+    {"BC4", qoviTextureEncodeBlock_BC4_8u_C1R, 1, 8,
+     [](const Qov8u* b, int i) { return Texel{rampTexel(b, i)}; }},
+    {"BC5", qoviTextureEncodeBlockFromRG_BC5_8u_C2C1R, 2, 16,
+     [](const Qov8u* b, int i) {
+         return Texel{rampTexel(b, i), rampTexel(b + 8, i)};
+     }},
+    {"DXT1", qoviTextureEncodeBlockFromRGBA_DXT1_8u_C4C1R, 4, 8,
+     [](const Qov8u* b, int i) { return colourTexel(b, i, true); }},
+    {"DXT3", qoviTextureEncodeBlockFromRGBA_DXT3_8u_C4C1R, 4, 16,
+     [](const Qov8u* b, int i) {
+         return withAlpha(colourTexel(b + 8, i, false), 17 * int(bitsAt(b, 8) >> 4 * i & 15));
+     }},
+    {"DXT5", qoviTextureEncodeBlockFromRGBA_DXT5_8u_C4C1R, 4, 16,
+     [](const Qov8u* b, int i) { return withAlpha(colourTexel(b + 8, i, false), rampTexel(b, i)); }},
+};
+const Format &bc4 = formats[0], &dxt1 = formats[2], &dxt5 = formats[4];
+
+Bytes encoded(const Format& f, const Picture& p)
+{
+    Bytes blocks(size_t(p.width / 4 * (p.height / 4) * f.blockBytes));
+    EXPECT_EQ(qovStsNoErr,
+              f.encode(p.samples.data(), p.width * f.channels, {p.width, p.height}, blocks.data()));
+    return blocks;
+}
+
+Picture decoded(const Format& f, const Bytes& blocks, int width, int height)
+{
+    Picture p = Picture::blank(width, height, f.channels);
+    for (int y = 0; y < height; y++) {
+        for (int x = 0; x < width; x++) {
+            const Qov8u* block = &blocks[size_t((y / 4 * (width / 4) + x / 4) * f.blockBytes)];
+            const Texel t = f.texel(block, y % 4 * 4 + x % 4);
+            for (int c = 0; c < f.channels; c++) p.at(x, y)[c] = Qov8u(t[size_t(c)]);
+        }
+    }
+    return p;
+}
+
+// Blocks of noise, of slow changes, of few values and of the extremes, some with holes.
+void fillBlocks(Random& random, const Format& f, Qov8u* texels, ptrdiff_t step, QoviSize roi)
+{
+    const int area = random.in(3, 12); // pixels that a kind of data spans
+    int kind = 0, base[4] = {}, slope[4] = {};
+    for (int y = 0; y < roi.height; y++) {
+        for (int x = 0; x < roi.width; x++) {
+            if (x % area == 0) {
+                kind = random.in(0, 4);
+                for (int c = 0; c < 4; c++) {
+                    base[c] = random.in(0, 255);
+                    slope[c] = random.in(-12, 12);
+                }
+            }
+            for (int c = 0; c < f.channels; c++) {
+                const int slow = base[c] + x % area * slope[c] + y % 4 * 3;
+                const int values[5] = {random.in(0, 255), slow, random.oneIn(2) ? base[c] : base[c] / 2,
+                                       random.oneIn(3) ? 255 * random.in(0, 1) : slow, base[c]};
+                texels[y * step + x * f.channels + c] = Qov8u(std::clamp(values[kind], 0, 255));
+            }
+        }
+    }
+}
+
+// Catches wrong lanes and gatherings, reads and writes past the blocks, and levels that round unlike.
+TEST(TextureEnc, SameBlocksAtEveryLevel)
+{
+    Random random;
+    for (int round = 0; round < 250; round++) {
+        const Format& f = formats[round % 5];
+        const QoviSize roi = {random.oneIn(3) ? random.in(1, 600) : random.in(1, 60), random.in(1, 30)};
+        const int columns = roi.width / 4, rows = roi.height / 4;
+        const int step = roi.width * f.channels + (random.oneIn(2) ? random.in(0, 70) : 0);
+        SCOPED_TRACE(testing::Message() << f.name << ", " << roi.width << "x" << roi.height << ", " << step);
+        // Ends with the last texel, so that the address sanitizer sees a read past it.
+        Bytes src(size_t(step) * (roi.height - 1) + roi.width * f.channels);
+        fillBlocks(random, f, src.data(), step, roi);
+        if (f.channels == 4 && random.oneIn(2))
+            for (size_t i = 3; i < src.size(); i++) src[i] |= 0x80;
+
+        const size_t bytes = size_t(columns * rows * f.blockBytes), offset = size_t(random.in(0, 63));
+        const bool whole = roi.width % 4 == 0 && roi.height % 4 == 0;
+        Bytes plain;
+        forEachLevel([&] {
+            Guarded dst(bytes, offset);
+            ASSERT_EQ(whole ? qovStsNoErr : qovStsPartial, f.encode(src.data(), step, roi, dst.as<Qov8u>()));
+            ASSERT_TRUE(dst.intact());
+            const Bytes blocks(dst.as<Qov8u>(), dst.as<Qov8u>() + bytes);
+            if (plain.empty()) plain = blocks;
+            ASSERT_EQ(plain, blocks);
+        });
+        if (testing::Test::HasFatalFailure()) return;
+    }
+}
+
+Picture mixedPicture(const Format& f)
+{
+    Random random;
+    Picture p = Picture::blank(256, 64, f.channels);
+    fillBlocks(random, f, p.samples.data(), p.width * f.channels, {p.width, p.height});
+    return p;
+}
+
+int distanceOf(const Texel& t, const Qov8u* x)
+{
+    int sum = 0;
+    for (int c = 0; c < 3; c++) sum += (t[size_t(c)] - x[c]) * (t[size_t(c)] - x[c]);
+    return sum;
+}
+
+// Cut-outs are kept, and the palettes the encoder thinks of are those of the format: else others of their
+// colours would be nearer. (Colours off the line of the palette may end one entry away from the nearest.)
+TEST(TextureEnc, ColoursOfThePaletteAndCutOuts)
+{
+    for (const Format* f : {&dxt1, &dxt5}) {
+        SCOPED_TRACE(f->name);
+        const Picture p = mixedPicture(*f);
+        const Bytes blocks = encoded(*f, p);
+        double least = 0, got = 0;
+        for (int y = 0; y < p.height; y++) {
+            for (int x = 0; x < p.width; x++) {
+                const Qov8u* block = &blocks[size_t((y / 4 * (p.width / 4) + x / 4) * f->blockBytes)];
+                const Qov8u* texel = p.at(x, y);
+                const Texel t = f->texel(block, y % 4 * 4 + x % 4);
+                if (f == &dxt1) {
+                    ASSERT_EQ(texel[3] < 128 ? 0 : 255, t[3]) << "at " << x << ", " << y;
+                    if (texel[3] < 128) continue;
+                }
+                int nearest = distanceOf(t, texel);
+                for (const Texel& entry : paletteOf(block + f->blockBytes - 8, f == &dxt1))
+                    if (entry[3] == 255) nearest = std::min(nearest, distanceOf(entry, texel));
+                least += nearest;
+                got += distanceOf(t, texel);
+            }
+        }
+        EXPECT_LE(got, 1.001 * least);
+    }
+}
+
+double rampError(const Qov8u* block, const Qov8u texels[16])
+{
+    double error = 0;
+    for (int i = 0; i < 16; i++) error += std::pow(rampTexel(block, i) - texels[i], 2);
+    return error;
+}
+
+// Each texel has the nearest value of its block, and the block the better of the two kinds of ends.
+TEST(TextureEnc, RampsAreTheBetterOfTwo)
+{
+    const Picture p = mixedPicture(bc4);
+    const Bytes blocks = encoded(bc4, p);
+    int six = 0;
+    for (size_t b = 0; b < blocks.size() / 8; b++) {
+        const Qov8u* block = &blocks[8 * b];
+        Qov8u x[16];
+        int most = 0, least = 255, mostInner = 0, leastInner = 255;
+        for (int i = 0; i < 16; i++) {
+            x[i] = *p.at(int(b) % 64 * 4 + i % 4, int(b) / 64 * 4 + i / 4);
+            most = std::max<int>(most, x[i]);
+            least = std::min<int>(least, x[i]);
+            if (x[i] == 0 || x[i] == 255) continue;
+            mostInner = std::max<int>(mostInner, x[i]);
+            leastInner = std::min<int>(leastInner, x[i]);
+        }
+        const auto bestWith = [&](int a0, int a1) {
+            const Qov8u ends[2] = {Qov8u(a0), Qov8u(a1)};
+            double error = 0;
+            for (int i = 0; i < 16; i++) {
+                double nearest = 1e9;
+                for (int v : rampOf(ends)) nearest = std::min(nearest, std::pow(v - x[i], 2));
+                error += nearest;
+            }
+            return error;
+        };
+        double expected = bestWith(most, least);
+        if ((least == 0 || most == 255) && leastInner <= mostInner)
+            expected = std::min(expected, bestWith(leastInner, mostInner));
+        ASSERT_EQ(expected, rampError(block, x)) << "block " << b;
+        six += block[0] <= block[1] && most > least;
+    }
+    EXPECT_GT(six, 0);
+}
+
+TEST(TextureEnc, FourBitAlphaIsTheNearest)
+{
+    const Format& dxt3 = formats[3];
+    Picture p = Picture::blank(64, 4, 4);
+    for (int i = 0; i < 256; i++) p.samples[size_t(4 * i + 3)] = Qov8u(i);
+    const Picture back = decoded(dxt3, encoded(dxt3, p), p.width, p.height);
+    for (size_t i = 3; i < p.samples.size(); i += 4) ASSERT_LE(std::abs(p.samples[i] - back.samples[i]), 8);
+}
+
+// Blocks of one colour are as near as two ends of 5 and 6 bits allow; those of no texel are black.
+TEST(TextureEnc, SolidColours)
+{
+    Picture p = Picture::blank(257 * 4, 4, 4);
+    for (int y = 0; y < 4; y++) {
+        for (int x = 0; x < 1024; x++) {
+            const int v = x / 4;
+            const Qov8u colour[4] = {Qov8u(v), Qov8u(v * 37), Qov8u(255 - v), 255};
+            std::copy(colour, colour + 4, p.at(x, y));
+        }
+    }
+    const auto leastError = [](int v, int bits) {
+        int least = 255;
+        for (int i = 0; i < 1 << 2 * bits; i++) {
+            const int a = i & ((1 << bits) - 1), b = i >> bits;
+            const auto wide = [bits](int c) { return c << (8 - bits) | c >> (2 * bits - 8); };
+            least = std::min(least, std::abs((2 * wide(a) + wide(b)) / 3 - v));
+        }
+        return least;
+    };
+    const int bits[3] = {5, 6, 5};
+    int least[256][3];
+    for (int v = 0; v < 256; v++)
+        for (int c = 0; c < 3; c++) least[v][c] = leastError(p.at(4 * v, 0)[c], bits[c]);
+    const Bytes blocks = encoded(dxt1, p);
+    const Picture back = decoded(dxt1, blocks, p.width, p.height);
+    for (int x = 0; x < 1024; x++)
+        for (int c = 0; c < 3; c++)
+            ASSERT_EQ(least[x / 4][c], std::abs(back.at(x, x % 4)[c] - p.at(x, 0)[c])) << x << ", " << c;
+    EXPECT_EQ((Bytes{0, 0, 0, 0, 0xFF, 0xFF, 0xFF, 0xFF}), Bytes(blocks.end() - 8, blocks.end()));
+}
+
+Picture opaque(const Picture& rgb)
+{
+    return rgb.mapped(4, [](const unsigned char* from, unsigned char* to) {
+        std::copy(from, from + 3, to);
+        to[3] = 255;
+    });
+}
+Picture colours(const Picture& rgba)
+{
+    return rgba.mapped(3,
+                       [](const unsigned char* from, unsigned char* to) { std::copy(from, from + 3, to); });
+}
+
+double quality(const Format& f, const Picture& rgb)
+{
+    const Picture p = opaque(rgb);
+    return distance(rgb, colours(decoded(f, encoded(f, p), p.width, p.height))).psnr;
+}
+
+TEST(TextureEnc, QualityOfSlowChanges)
+{
+    Picture p = Picture::blank(128, 128, 3);
+    for (int y = 0; y < p.height; y++)
+        for (int x = 0; x < p.width; x++)
+            for (int c = 0; c < 3; c++)
+                p.at(x, y)[c] =
+                    Qov8u(std::lround(127 + 120 * std::sin(x * (c + 1) / 40.0) * std::cos(y / 30.0 + c)));
+    for (const Format* f : {&dxt1, &dxt5}) EXPECT_GT(quality(*f, p), 39.5) << f->name;
+}
+
+TEST(TextureEnc, QualityOfPhotos)
+{
+    QK_NEED_SHARED("bmp/rose.bmp");
+    QK_SKIP_UNLESS(haveProgram("convert"), "no other encoder");
+    const Picture photo = readBmp24(sharedPath("bmp/rose.bmp"));
+    const Picture small = parsePnm(filter("convert rose: -crop 68x44+0+0 +repage ppm:-", ""));
+    const struct {
+        const Format& format;
+        const char* name;
+    } cases[] = {{dxt1, "dxt1"}, {dxt5, "dxt5"}};
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.name);
+        EXPECT_GT(quality(c.format, small), 29.3);
+        const double ours = quality(c.format, photo);
+        EXPECT_GT(ours, 37.1);
+        const std::string dds =
+            filter(std::string("convert ppm:- -define dds:compression=") + c.name + " dds:-", pnmOf(photo));
+        EXPECT_GT(ours, distance(photo, parsePnm(filter("convert dds:- -alpha off ppm:-", dds))).psnr);
+    }
+}
+
+// Programs that watch for floating-point exceptions see none.
+TEST(TextureEnc, LeavesNoFloatingPointFlags)
+{
+    const Picture p = mixedPicture(dxt1);
+    forEachLevel([&] {
+        std::feclearexcept(FE_ALL_EXCEPT);
+        encoded(dxt1, p);
+        EXPECT_EQ(0, std::fetestexcept(FE_ALL_EXCEPT));
+    });
+}
+
+TEST(TextureEnc, Statuses)
+{
+    Qov8u texels[8 * 32] = {}, blocks[64] = {};
+    for (const Format& f : formats) {
+        const int step = 8 * f.channels;
+        const struct {
+            bool noSrc, noDst;
+            int step;
+            QoviSize roi;
+            QovStatus status;
+        } cases[] = {
+            {true, false, step, {8, 8}, qovStsNullPtr},
+            {false, true, step, {8, 8}, qovStsNullPtr},
+            {true, true, 0, {0, 0}, qovStsNullPtr},
+            {false, false, step, {0, 8}, qovStsSize},
+            {false, false, 0, {8, -4}, qovStsSize},
+            {false, false, step - 1, {8, 8}, qovStsStep},
+            {false, false, -step, {7, 8}, qovStsStep},
+            {false, false, step, {0x7ffffffc, 8}, qovStsStep},
+            {false, false, step, {8, 8}, qovStsNoErr},
+            {false, false, step, {7, 8}, qovStsPartial},
+            {false, false, step, {8, 5}, qovStsPartial},
+            {false, false, step, {3, 8}, qovStsPartial},
+            {false, false, 0, {0x7ffffffc, 1}, qovStsPartial},
+        };
+        for (const auto& c : cases) {
+            SCOPED_TRACE(testing::Message() << f.name << ", case " << &c - cases);
+            EXPECT_EQ(c.status,
+                      f.encode(c.noSrc ? nullptr : texels, c.step, c.roi, c.noDst ? nullptr : blocks));
+        }
+    }
+}
+
+} // namespace
