@@ -10,6 +10,7 @@
 #include <string>
 #include <vector>
 
+#include "bmpfile.h"
 #include "program.h"
 #include "reports.h"
 
@@ -19,30 +20,13 @@ using testing::ContainsRegex;
 using testing::ElementsAre;
 using testing::HasSubstr;
 
-// A BMP file of 48x40 pixels that get lighter from corner to corner; 8 bits mean a grey palette.
-std::string bmpOf(int bits)
-{
-    const int width = 48, height = 40, colors = bits == 8 ? 256 : 0;
-    std::string file = "BM";
-    const auto add = [&file](int value, int bytes) {
-        for (; bytes > 0; bytes--, value >>= 8) file += static_cast<char>(value);
-    };
-    for (const int field : {0, 0, 54 + 4 * colors, 40, width, height, bits << 16 | 1, 0, 0, 0, 0, colors, 0})
-        add(field, 4);
-    for (int i = 0; i < colors; i++) add(i * 0x10101, 4);
-    for (int y = 0; y < height; y++) {
-        for (int x = 0; x < width; x++) add((3 * x + 2 * y) * 0x10101, bits / 8);
-    }
-    return file;
-}
-
 struct Runs {
     Program defaults, small, recorded, replayed;
 
     Runs()
     {
         const auto start = [](Program& run, Program::Args more) {
-            more.insert(more.begin(), {"-B", "-mp_jpeg", "-dMethod=man", "-dNumLoops=1"});
+            more.insert(more.begin(), {"-B", "-m=p_jpeg", "-dMethod=man", "-dNumLoops=1"});
             run.start(more);
         };
         start(recorded,
@@ -54,7 +38,7 @@ struct Runs {
         replayed.write("pictures/colour.bmp", bmpOf(24));
         replayed.write("pictures/grey.bmp", bmpOf(8));
         replayed.write("run.ini", recorded.read("run.ini"));
-        replayed.start({"-B", "-fDecoder", "-f-C4", "-p" + replayed.path("pictures"),
+        replayed.start({"-B", "-m=p_jpeg", "-fDecoder", "-f-C4", "-p" + replayed.path("pictures"),
                         "-i" + replayed.path("run.ini"), "-r", "-LDATA"});
     }
 };

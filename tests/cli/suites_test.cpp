@@ -4,7 +4,9 @@
 
 #include <algorithm>
 #include <map>
+#include <sstream>
 #include <string>
+#include <string_view>
 
 #include "program.h"
 #include "reports.h"
@@ -16,6 +18,7 @@ namespace {
 static const struct {
     const char *test, *source, *names, *parameters, *unit;
     int divisor;
+    const char* divisors = nullptr; // where they differ from set to set
 } groups[] = {
     {"TimjAdd", "p_jadd", "qovi{Add128_JPEG_16s8u,Sub128_JPEG_8u16s}_C1R", "16x8", "px", 128},
     {"TimjDctQuant", "p_jdctquant", "qoviDCTQuant{Fwd,Inv}8x8_JPEG_16s_C1{,I}", "16x8", "px", 128},
@@ -89,9 +92,49 @@ static const struct {
     {"TimjPredRow", "p_jpredrow", "qovi{Diff,Reconstruct}PredFirstRow_JPEG_16s_C1", "16x8", "e", 16},
     {"TimjPredRow", "p_jpredrow", "qovi{Diff,Reconstruct}PredRow_JPEG_16s_C1", "16x8,{1,5}", "e", 112},
 
+    {"TimjWT", "p_jwt", "qoviWT{Fwd,Inv}_{B53,D97}_JPEG2K_{16s,32s}_{C1R,C1IR}", "16x8", "px", 128},
+    {"TimjWTRow", "p_jwtrow",
+     "qoviWT{Fwd,Inv}Row_B53_JPEG2K_{16s,32s}_C1R qoviWT{Fwd,Inv}Row_D97_JPEG2K_{16s,32s,32f}_C1R", "16x8",
+     "px", 128},
+    {"TimjWTColLift", "p_jwtcollift",
+     "qoviWT{Fwd,Inv}Col_B53_JPEG2K_{16s,32s}_C1R qoviWT{Fwd,Inv}Col_D97_JPEG2K_32f_C1R", "16x8", "px", 128},
+    {"TimjWTColLift", "p_jwtcollift",
+     "qoviWT{Fwd,Inv}ColLift_B53_JPEG2K_{16s,32s}_C1 qoviWT{Fwd,Inv}ColLift_D97_JPEG2K_{16s,32s,32f}_C1",
+     "16x8", "px", 32},
+    {"TimjCode2K", "p_jencode2k", "qoviEncodeLoadCodeBlock_JPEG2K_32s_C1R", "8x4,{0,SelectiveMqBypass}", "px",
+     32},
+    {"TimjCode2K", "p_jencode2k", "qoviEncodeStoreBits_JPEG2K_1u", "8x4,{8,64,1024}", "px", 32},
+    {"TimjCode2K", "p_jencode2k", "qoviDecodeCodeBlock_JPEG2K_1u32s_C1R qoviDecodeCBProgrStep_JPEG2K",
+     "8x4,{0,VerticallyCausalContext,SelectiveMqBypass,TerminateOnEveryPass,ResetctxOnEveryPass,"
+     "UseSegmentationSymbols,LosslessMode}",
+     "px", 32},
+
     {"TimjPack_TIFF", "p_jpacktiff", "qoviPackBitsRow_TIFF_8u_C1", "40", "e", 40},
     {"TimjPack_TIFF", "p_jpacktiff", "qoviUnpackBitsRow_TIFF_8u_C1", "48", "e", 48},
     {"TimjSplit_TIFF", "p_jsplittiff", "qovi{SplitRow_TIFF_16u8u,JoinRow_TIFF_8u16u}_C1", "56", "e", 56},
+
+    {"Tim_PCT", "p_jhdpct", "qoviPCT{Fwd,Inv}_HDP_32s_C1IR", "256,8,8 512,128,128", "e", 0, "64 1.64e+04"},
+    {"Tim_PCT", "p_jhdpct", "qoviPCT{Fwd,Inv}16x16_HDP_32s_C1IR", "{256,512}", "e", 256},
+    {"Tim_PCT", "p_jhdpct", "qoviPCT{Fwd,Inv}8x16_HDP_32s_C1IR", "{256,512}", "e", 128},
+    {"Tim_PCT", "p_jhdpct", "qoviPCT{Fwd,Inv}8x8_HDP_32s_C1IR", "{256,512}", "e", 64},
+    {"Tim_jxrPCT", "p_jxrpct", "qoviPCT{Fwd,Inv}_JPEGXR_{32s,32f}_C1IR", "{128,132},32,16", "e", 512},
+    {"Tim_jxrPCT", "p_jxrpct", "qoviPCT{Fwd,Inv}_JPEGXR_16s_C1IR", "{64,66},32,16", "e", 512},
+    {"Tim_jxrPCT", "p_jxrpct", "qoviPCT{Fwd,Inv}16x16_JPEGXR_{32s,32f}_C1IR", "{64,256}", "e", 256},
+    {"Tim_jxrPCT", "p_jxrpct", "qoviPCT{Fwd,Inv}16x16_JPEGXR_16s_C1IR", "{32,128}", "e", 256},
+    {"Tim_jxrPCT", "p_jxrpct", "qoviPCT{Fwd,Inv}8x16_JPEGXR_{32s,32f}_C1IR", "{64,256}", "e", 128},
+    {"Tim_jxrPCT", "p_jxrpct", "qoviPCT{Fwd,Inv}8x16_JPEGXR_16s_C1IR", "{32,128}", "e", 128},
+    {"Tim_jxrPCT", "p_jxrpct", "qoviPCT{Fwd,Inv}8x8_JPEGXR_{32s,32f}_C1IR", "{64,256}", "e", 64},
+    {"Tim_jxrPCT", "p_jxrpct", "qoviPCT{Fwd,Inv}8x8_JPEGXR_16s_C1IR", "{32,128}", "e", 64},
+    {"Tim_jxrHuffman", "p_jxrhuff",
+     "qoviVLCEncodeDC{444,422,420}_JPEGXR_32s1u qoviVLCDecodeDC{444,422,420}_JPEGXR_1u32s "
+     "qoviVLCEncode4x4{,Flex}_JPEGXR_{32s,16s}1u_C1R qoviVLCDecode4x4_JPEGXR_1u{32s,16s}_C1R",
+     "48 240 480 2400 4800", "e", 0, "15 75 150 750 1.5e+03"},
+
+    {"Tim_DXT", "p_jdxt", "qoviTextureEncodeBlock{_BC4_8u_C1R,FromRG_BC5_8u_C2C1R}", "256,8,8 2048,512,512",
+     "e", 0, "64 2.62e+05"},
+    {"TimjEncodeRGBA_DXT", "p_jencodedxt",
+     "qoviTextureEncodeBlockFromRGBA_DXT{1,3,5}_8u_C4C1R qoviTextureDecodeBlockToRGBA_DXT{1,3,5}_8u_C1C4R",
+     "16x8", "px", 128},
 
     {"TimJpegCodec", "p_jpeg", "jpeg_{Encoder,Decoder}_8u_C1", "32x16,Jaehne,baseline,Gray->Gray,75", "px",
      512},
@@ -104,19 +147,39 @@ static const struct {
      512},
     {"TimJpegCodec", "p_jpeg", "jpeg_Decoder_8u_C4", "32x16,Jaehne,baseline,{CMYK,YCCK}444->CMYK,75", "px",
      512},
+
+    {"TimJ2kitCodec", "p_jpeg2k", "jpeg2k_{Encoder,Decoder}_8u_C3",
+     "32x16,jaehne.bmp,mct{+,-},0,{0,1,4},wt53 "
+     "32x16,jaehne.bmp,mct{+,-},{1,10,100},{0,1,4},wt{53,97}",
+     "px", 512},
 };
 
 struct Runs {
-    Program list, odd, every, recorded, replayed, data, again;
+    Program list, odd, every, recorded, replayed, data, again, firstBlock, decoders;
 
     Runs()
     {
         const auto everyTest = [](Program& run, Program::Args more) {
-            more.insert(more.begin(),
-                        {"-B", "-dMethod=Manual", "-dNumLoops=1", "-dImageSize=16x8", "-dSize=16x8",
-                         "-dRowWidth=24", "-dnSrcRows=2; 3", "-dpredictor=1; 5", "-dsrcLen=40", "-ddstLen=48",
-                         "-dlen=56", "-dHighLevelCodec_Size=32x16", "-dMode=baseline", "-dSampling=444",
-                         "-dQualityFactor=75"});
+            const Program::Args sets{"-dImageSize=16x8",
+                                     "-dSize=16x8",
+                                     "-dRowWidth=24",
+                                     "-dWT_Size=16x8",
+                                     "-dCode2k_Size=8x4",
+                                     "-dnSrcRows=2; 3",
+                                     "-dpredictor=1; 5",
+                                     "-dsrcLen=40",
+                                     "-ddstLen=48",
+                                     "-dlen=56",
+                                     "-dHighLevelCodec_Size=32x16",
+                                     "-dsize=32x16",
+                                     "-dMode=baseline",
+                                     "-dSampling=444",
+                                     "-dQualityFactor=75",
+                                     "-dnRun with ROI case=1; 9",
+                                     "-dnRun fixed ROI case=1; 2",
+                                     "-dnRun with ROI=1; 13"};
+            more.insert(more.begin(), {"-B", "-dMethod=Manual", "-dNumLoops=1"});
+            more.insert(more.end(), sets.begin(), sets.end());
             run.start(more);
         };
         list.start({"-e"});
@@ -124,11 +187,15 @@ struct Runs {
         everyTest(every, {"-LPERF", "-r"});
         const std::string sizes = "1x1; 7x7; 9x9; 8x17; 17x8";
         odd.start({"-B", "-mp_j", "-m-p_jpeg", "-dMethod=Manual", "-dNumLoops=2", "-LPERF",
-                   "-dImageSize=" + sizes, "-dSize=" + sizes, "-dnSrcRows=3", "-dpredictor=7"});
+                   "-dImageSize=" + sizes, "-dSize=" + sizes, "-dWT_Size=" + sizes, "-dCode2k_Size=" + sizes,
+                   "-dCodeStyleFlags=TerminateOnEveryPass", "-dnSrcRows=3", "-dpredictor=7"});
         const Program::Args args{"-B",     "-fDCTQuantInv8x8LS", "-dMethod=Manual", "-dNumLoops=1",
                                  "-LDATA", "-dSize=9x17"};
         data.start(args);
         again.start(args);
+        firstBlock.start({"-B", "-fPCTFwd8x16_JPEGXR_32s", "-fPCTInv8x8_JPEGXR_32s", "-r", "-dMethod=Manual",
+                          "-dNumLoops=1", "-dnRun fixed ROI case=9; 1"});
+        decoders.start({"-B", "-fVLCDecode", "-LDATA", "-dMethod=Manual", "-dNumLoops=1"});
         replayed.write("run.ini", recorded.read("run.ini"));
         replayed.start({"-B", "-i" + replayed.path("run.ini"), "-r"});
     }
@@ -146,7 +213,9 @@ Cells setsOf(Program& run)
     Cells sets;
     for (const std::string& row : performanceTable(run.read("quolkit.csv")).rows) {
         const Cells cells = split(row, ',');
-        std::string set = cells[0] + "_" + cells[1] + "_" + cells[2];
+        std::string set = cells[0];
+        for (size_t i = 1; i < 3; i++)
+            if (cells[i] != "-") set += "_" + cells[i]; // not all names have types and a descriptor
         for (size_t i = 3; i < 9; i++) set += "," + cells[i];
         sets.push_back(set + "," + cells[11]);
     }
@@ -190,12 +259,14 @@ TEST(Suites, ShowTheSetsTheyMeasure)
     Cells expected;
     for (const auto& group : groups) {
         const Cells parameters = expanded(group.parameters);
+        const Cells divided = group.divisors ? split(group.divisors, ' ')
+                                             : Cells(parameters.size(), std::to_string(group.divisor));
         for (const std::string& name : expanded(group.names)) {
             for (std::string cells : parameters) {
                 while (std::count(cells.begin(), cells.end(), ',') < 5) cells += ",-";
                 expected.push_back(name + "," + cells + "," + group.unit);
             }
-            EXPECT_EQ(divisors[name], Cells(parameters.size(), std::to_string(group.divisor))) << name;
+            EXPECT_EQ(divisors[name], divided) << name;
         }
     }
     EXPECT_EQ(inAnyOrder(setsOf(run)), inAnyOrder(expected));
@@ -206,6 +277,51 @@ TEST(Suites, ReplayWhatWasRecorded)
     Program& run = runs().replayed;
     EXPECT_EQ(run.exitCode(), 0) << run.out();
     EXPECT_EQ(setsOf(run), setsOf(runs().every));
+}
+
+// The row for a single block has the width of the first test that came to it, as its step shows: 8 elements
+// of four bytes here, where all tests together begin with 16.
+TEST(Suites, KeepTheWidthOfTheFirstBlock)
+{
+    EXPECT_EQ(setsOf(runs().firstBlock), (Cells{"qoviPCTFwd8x16_JPEGXR_32s_C1IR,36,-,-,-,-,-,e",
+                                                "qoviPCTFwd8x16_JPEGXR_32s_C1IR,32,-,-,-,-,-,e",
+                                                "qoviPCTInv8x8_JPEGXR_32s_C1IR,36,-,-,-,-,-,e",
+                                                "qoviPCTInv8x8_JPEGXR_32s_C1IR,32,-,-,-,-,-,e"}));
+}
+
+// The line behind the next one that has `head` in it. `text` moves on to it: the listing is too long to be
+// cut into lines.
+std::string lineBehind(std::string_view& text, const char* head)
+{
+    const size_t at = text.find('\n', text.find(head));
+    text.remove_prefix(at == text.npos ? text.size() : at + 1);
+    return std::string(text.substr(0, text.find('\n')));
+}
+
+// What the decoders of JPEG XR leave is what was encoded for them: all samples of three channels of 16, or of
+// two of 8 or 4, but for the first of each. A block has room for three channels of 16.
+TEST(Suites, DecodeWhatTheyEncoded)
+{
+    const std::string& out = runs().decoders.out();
+    for (const char* name : {"DC444_JPEGXR_1u32s", "DC422_JPEGXR_1u32s", "DC420_JPEGXR_1u32s",
+                             "4x4_JPEGXR_1u32s_C1R", "4x4_JPEGXR_1u16s_C1R"}) {
+        const std::string function(name);
+        const int samples = function.starts_with("DC422") ? 8 : function.starts_with("DC420") ? 4 : 16;
+        const int coded = samples * (samples == 16 ? 3 : 2);
+        std::string_view text(out);
+        lineBehind(text, ("| Function  : qoviVLCDecode" + function).c_str());
+        for (const int blocks : {1, 5, 10, 50, 100}) {
+            lineBehind(text, "OUTPUT START === after");
+            std::istringstream was(lineBehind(text, "Object 1: Vector"));
+            std::istringstream is(lineBehind(text, "Object 3: Vector"));
+            int place = 0;
+            for (int before, after; was >> before && is >> after; place++) {
+                const int at = place % 48;
+                ASSERT_EQ(after, at < coded && at % samples != 0 ? before : 0) << function << " " << place;
+            }
+            EXPECT_EQ(place, 48 * blocks) << function;
+        }
+    }
 }
 
 // Sizes that are no multiple of a block: a suite of blocks counts the pixels of whole ones or those of the
@@ -229,6 +345,14 @@ TEST(Suites, MeasureOddSizes)
         {"qoviSampleDownH2V2_JPEG_8u_C1R", "9 16 32 32"},
         {"qoviDiffPredFirstRow_JPEG_16s_C1", "1 7 9 8 17"},
         {"qoviReconstructPredRow_JPEG_16s_C1", "0 42 72 128 119"},
+        {"qoviWTFwd_D97_JPEG2K_32s_C1R", "1 49 81 136 136"},
+        {"qoviWTInv_B53_JPEG2K_16s_C1IR", "1 49 81 136 136"},
+        {"qoviWTFwdRow_B53_JPEG2K_16s_C1R", "42 72 136 128"},
+        {"qoviWTInvCol_D97_JPEG2K_32f_C1R", "42 72 128 136"},
+        {"qoviWTInvColLift_D97_JPEG2K_32f_C1", "2 14 18 16 34"},
+        {"qoviEncodeLoadCodeBlock_JPEG2K_32s_C1R", "1 49 81 136 136"},
+        {"qoviDecodeCBProgrStep_JPEG2K", "1 49 81 136 136"},
+        {"qoviTextureDecodeBlockToRGBA_DXT5_8u_C1C4R", "1 49 81 136 136"},
     };
     EXPECT_EQ(runs().odd.exitCode(), 0) << runs().odd.out();
     std::map<std::string, Cells> divisors = divisorsOf(runs().odd);
