@@ -1,11 +1,11 @@
 // Adaptive coders of JPEG XR coefficients (ITU-T T.832, 8.7.18 and 8.8 to 8.11). Conventions of qovi.h.
 //
 // A stream's place is a byte pointer and the count of bits used in that byte (0 to 7, from the most
-// significant bit); both are moved on by every call that succeeds. A writer keeps the used bits of the current
-// byte and clears the rest of each byte it enters, so the buffer need not be zeroed. Neither a writer nor a
-// reader touches a byte behind the one that holds its last bit. There is no length: where it isn't known what
-// is to come, the buffer has to reach as far as a block can, 100 bytes for a list and 32 for the low bits of a
-// block.
+// significant bit); both are moved on by every call that succeeds. A writer keeps the used bits of the
+// current byte and clears the rest of each byte it enters, so the buffer need not be zeroed. Neither a writer
+// nor a reader touches a byte behind the one that holds its last bit. There is no length: where it isn't
+// known what is to come, the buffer has to reach as far as a block can, 100 bytes for a list and 32 for the
+// low bits of a block.
 //
 // Coefficients are coded as level and low bits: level = sign (|x| >> nBits), the low nBits of |x| apart from
 // it, nBits 0 to 15. A list without a level other than 0 is written as no bits at all, with *pNumNonZero 0;
@@ -13,8 +13,8 @@
 // is written or changed.
 //
 // Decoders take any bytes: a run or a place behind the end of the list is qovStsData. Then the place and the
-// list or block are as before, and the state has to be initialised anew. What does not fit into 16 bits, in
-// data that no encoder has made, wraps.
+// list or block are as before, and the state has to be initialised anew. What does not fit into an
+// element, in data that no encoder has made, wraps.
 #ifndef QOV_QOVIVLC_H
 #define QOV_QOVIVLC_H
 

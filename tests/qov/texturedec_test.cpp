@@ -1,83 +1,32 @@
-// Decoding of texture blocks: every level against the tables of the formats, read a texel at a time.
+// Decoding of texture blocks: every level against the tables of the formats.
 #include "qov_testing.h"
 #include "qovi.h"
+#include "texture_reference.h"
 
 namespace {
 
 typedef std::vector<Qov8u> Bytes;
 
-// The number of `count` bits from bit `first` on, the lowest first.
-int bitsOf(const Qov8u* block, int first, int count)
-{
-    int value = 0;
-    for (int i = 0; i < count; i++) value |= (block[(first + i) / 8] >> (first + i) % 8 & 1) << i;
-    return value;
-}
-
-int colourOf(const Qov8u* block, int texel, int c, bool dxt1)
-{
-    static const int first[] = {11, 5, 0}, count[] = {5, 6, 5};
-    const auto end = [&](int k) {
-        const int v = bitsOf(block, 16 * k + first[c], count[c]);
-        return c == 1 ? v * 4 + v / 16 : v * 8 + v / 4;
-    };
-    const int index = bitsOf(block, 32 + 2 * texel, 2);
-    const bool three = dxt1 && bitsOf(block, 0, 16) <= bitsOf(block, 16, 16);
-    if (c == 3) return three && index == 3 ? 0 : 255;
-    if (index < 2) return end(index);
-    if (three) return index == 2 ? (end(0) + end(1)) / 2 : 0;
-    return (2 * end(index - 2) + end(3 - index)) / 3;
-}
-
-int interpolatedOf(const Qov8u* block, int texel)
-{
-    const int a0 = block[0], a1 = block[1], index = bitsOf(block, 16 + 3 * texel, 3);
-    if (index < 2) return block[index];
-    const int parts = a0 > a1 ? 7 : 5;
-    if (index > parts) return index == 6 ? 0 : 255;
-    return (a0 * (parts + 1 - index) + a1 * (index - 1)) / parts;
-}
-
-int bc4(const Qov8u* block, int texel, int)
-{
-    return interpolatedOf(block, texel);
-}
-int bc5(const Qov8u* block, int texel, int c)
-{
-    return interpolatedOf(block + 8 * c, texel);
-}
-int dxt1(const Qov8u* block, int texel, int c)
-{
-    return colourOf(block, texel, c, true);
-}
-int dxt3(const Qov8u* block, int texel, int c)
-{
-    return c == 3 ? 17 * bitsOf(block, 4 * texel, 4) : colourOf(block + 8, texel, c, false);
-}
-int dxt5(const Qov8u* block, int texel, int c)
-{
-    return c == 3 ? interpolatedOf(block, texel) : colourOf(block + 8, texel, c, false);
-}
-
 const struct Format {
     const char* name;
     int blockBytes, channels;
     QovStatus (*decode)(const Qov8u*, Qov8u*, int, QoviSize);
-    int (*plain)(const Qov8u* block, int texel, int c);
+    Texel (*texel)(const Qov8u* block, int i);
 } formats[] = {
-    {"BC4", 8, 1, qoviTextureDecodeBlock_BC4_8u_C1R, bc4},
-    {"BC5", 16, 2, qoviTextureDecodeBlockToRG_BC5_8u_C1C2R, bc5},
-    {"DXT1", 8, 4, qoviTextureDecodeBlockToRGBA_DXT1_8u_C1C4R, dxt1},
-    {"DXT3", 16, 4, qoviTextureDecodeBlockToRGBA_DXT3_8u_C1C4R, dxt3},
-    {"DXT5", 16, 4, qoviTextureDecodeBlockToRGBA_DXT5_8u_C1C4R, dxt5},
+    {"BC4", 8, 1, qoviTextureDecodeBlock_BC4_8u_C1R, bc4Texel},
+    {"BC5", 16, 2, qoviTextureDecodeBlockToRG_BC5_8u_C1C2R, bc5Texel},
+    {"DXT1", 8, 4, qoviTextureDecodeBlockToRGBA_DXT1_8u_C1C4R, dxt1Texel},
+    {"DXT3", 16, 4, qoviTextureDecodeBlockToRGBA_DXT3_8u_C1C4R, dxt3Texel},
+    {"DXT5", 16, 4, qoviTextureDecodeBlockToRGBA_DXT5_8u_C1C4R, dxt5Texel},
 };
 
 Bytes plainRow(const Format& format, const Qov8u* blocks, int columns, int y)
 {
     Bytes row;
-    for (int x = 0; x < 4 * columns; x++)
-        for (int c = 0; c < format.channels; c++)
-            row.push_back(Qov8u(format.plain(blocks + x / 4 * format.blockBytes, y % 4 * 4 + x % 4, c)));
+    for (int x = 0; x < 4 * columns; x++) {
+        const Texel t = format.texel(blocks + x / 4 * format.blockBytes, y % 4 * 4 + x % 4);
+        row.insert(row.end(), t.begin(), t.begin() + format.channels);
+    }
     return row;
 }
 

@@ -135,61 +135,58 @@ struct Memory {
     size_t misfit;
     std::vector<Qov8u> bytes;
 
-    Memory(size_t size, size_t offset) : misfit(offset), bytes(offset + size) {}
-    template <class T>
-    T* as()
-    {
-        return reinterpret_cast<T*>(bytes.data() + misfit);
-    }
+    Memory(size_t size, size_t offset) : misfit(offset), bytes(offset + size, guard) {}
+    Qov8u* start() { return bytes.data() + misfit; }
+
+    static constexpr Qov8u guard = 0xA5;
 };
 
-// A rectangle of an image as a primitive gets it, read in memory of its own or written among guarded bytes.
-template <class T, class Block>
+// A rectangle of an image as a primitive gets it: rows with bytes between them that must not change.
+template <class T>
 struct Plane {
     QoviRect rect;
     int step;
-    Block block;
+    Memory memory;
 
     Plane(const QoviRect& r, Random& random)
         : rect(r), step(int(sizeof(T)) * (r.width + random.in(0, 9))),
-          block(size_t(std::max(0, r.height - 1) * step) + size_t(r.width) * sizeof(T),
-                sizeof(T) * size_t(random.in(0, 31)))
+          memory(size_t(std::max(0, r.height - 1) * step) + size_t(r.width) * sizeof(T),
+                 sizeof(T) * size_t(random.in(0, 31)))
     {
     }
-    T* data() { return rect.width && rect.height ? block.template as<T>() : nullptr; }
-    T& at(int i, int j)
-    {
-        return *reinterpret_cast<T*>(block.template as<char>() + j * step + i * int(sizeof(T)));
-    }
+    T* row(int y) { return reinterpret_cast<T*>(memory.start() + y * step); }
+    T* data() { return rect.width && rect.height ? row(0) : nullptr; }
     void take(const Image<Qov64s>& from)
     {
-        for (int j = 0; j < rect.height; j++)
-            for (int i = 0; i < rect.width; i++) at(i, j) = T(from.at(rect.x + i, rect.y + j));
+        for (int y = 0; y < rect.height; y++)
+            for (int x = 0; x < rect.width; x++) row(y)[x] = T(from.at(rect.x + x, rect.y + y));
     }
-    // The first sample that differs, and what lies around them.
+    // Reports the first sample that differs.
     void expect(const Image<Qov64s>& right)
     {
-        for (int j = 0; j < rect.height; j++)
-            for (int i = 0; i < rect.width; i++)
-                ASSERT_EQ(right.at(rect.x + i, rect.y + j), at(i, j)) << "column " << i << ", row " << j;
-        ASSERT_TRUE(!data() || block.intact(size_t(step), size_t(rect.width) * sizeof(T)));
+        Memory surroundings = memory;
+        for (int y = 0; y < rect.height; y++) {
+            for (int x = 0; x < rect.width; x++)
+                ASSERT_EQ(right.at(rect.x + x, rect.y + y), row(y)[x]) << "column " << x << ", row " << y;
+            std::memset(surroundings.start() + y * step, Memory::guard, size_t(rect.width) * sizeof(T));
+        }
+        for (const Qov8u byte : surroundings.bytes) ASSERT_EQ(Memory::guard, byte);
     }
 };
 
 // The four bands, as they lie in the arranged image.
-template <class T, class Block>
-struct BandPlanes {
-    std::vector<Plane<T, Block>> planes;
+template <class T>
+struct Bands {
+    std::vector<Plane<T>> planes;
     T* data[4];
     int step[4];
 
-    BandPlanes(const QoviRect& r, Random& random)
+    Bands(const QoviRect& r, Random& random)
     {
         const int w = (r.width + 1 - (r.x & 1)) / 2, h = (r.height + 1 - (r.y & 1)) / 2;
-        for (const QoviRect& band : {QoviRect{0, 0, w, h},
-                                     {0, h, w, r.height - h},
-                                     {w, 0, r.width - w, h},
-                                     {w, h, r.width - w, r.height - h}})
+        const int restW = r.width - w, restH = r.height - h;
+        for (const QoviRect& band :
+             {QoviRect{0, 0, w, h}, {0, h, w, restH}, {w, 0, restW, h}, {w, h, restW, restH}})
             planes.emplace_back(band, random);
         for (size_t i = 0; i < 4; i++) {
             data[i] = planes[i].data();
@@ -198,7 +195,6 @@ struct BandPlanes {
     }
 };
 
-template <class T>
 Memory bufferOf(QovStatus (*query)(const QoviRect*, int*), const QoviRect& rect, Random& random)
 {
     int size = -1;
@@ -219,26 +215,26 @@ void compare(const Form<T>& f, const QoviRect& rect, Random& random)
     if (f.wanted == wanted<B53, T> && rect.width > 1 && rect.height > 1) {
         ASSERT_EQ(image.samples, f.wanted(analysed, true).samples);
     }
-    Plane<T, Memory> src(whole, random);
-    BandPlanes<T, Memory> srcBands(rect, random);
+    Plane<T> src(whole, random);
+    Bands<T> srcBands(rect, random);
     src.take(image);
     for (auto& plane : srcBands.planes) plane.take(image);
-    Memory buffer = bufferOf<T>(f.bandsSize, rect, random),
-           inPlaceBuffer = bufferOf<T>(f.inPlaceSize, rect, random);
+    Memory buffer = bufferOf(f.bandsSize, rect, random),
+           inPlaceBuffer = bufferOf(f.inPlaceSize, rect, random);
 
     forEachLevel([&] {
-        BandPlanes<T, Guarded> bands(rect, random);
+        Bands<T> bands(rect, random);
         ASSERT_EQ(qovStsNoErr,
-                  f.forward(src.data(), src.step, &rect, bands.data, bands.step, buffer.as<Qov8u>()));
+                  f.forward(src.data(), src.step, &rect, bands.data, bands.step, buffer.start()));
         for (auto& plane : bands.planes) ASSERT_NO_FATAL_FAILURE(plane.expect(analysed)) << "forward";
-        Plane<T, Guarded> dst(whole, random);
+        Plane<T> dst(whole, random);
         ASSERT_EQ(qovStsNoErr,
-                  f.inverse(srcBands.data, srcBands.step, dst.data(), dst.step, &rect, buffer.as<Qov8u>()));
+                  f.inverse(srcBands.data, srcBands.step, dst.data(), dst.step, &rect, buffer.start()));
         ASSERT_NO_FATAL_FAILURE(dst.expect(synthesised)) << "inverse";
         for (const bool inverse : {false, true}) {
             dst.take(image);
             ASSERT_EQ(qovStsNoErr, (inverse ? f.inverseInPlace : f.forwardInPlace)(
-                                       dst.data(), dst.step, &rect, inPlaceBuffer.as<Qov8u>()));
+                                       dst.data(), dst.step, &rect, inPlaceBuffer.start()));
             ASSERT_NO_FATAL_FAILURE(dst.expect(inverse ? synthesised : analysed)) << "in place";
         }
     });
@@ -280,11 +276,10 @@ void accuracy97(const Form<T>& f, int largest, Random& random)
             return most;
         };
         const Image<double> exact = transformed<D97>(image, false, [](double v) { return v; });
-        Memory buffer = bufferOf<T>(f.inPlaceSize, rect, random);
+        Memory buffer = bufferOf(f.inPlaceSize, rect, random);
         for (const bool inverse : {false, true}) {
-            ASSERT_EQ(qovStsNoErr,
-                      (inverse ? f.inverseInPlace : f.forwardInPlace)(
-                          data.data(), rect.width * int(sizeof(T)), &rect, buffer.template as<Qov8u>()));
+            ASSERT_EQ(qovStsNoErr, (inverse ? f.inverseInPlace : f.forwardInPlace)(
+                                       data.data(), rect.width * int(sizeof(T)), &rect, buffer.start()));
             EXPECT_LE(distance(inverse ? image : exact), 6 + std::ldexp(largest, inverse ? -15 : -11));
         }
     }

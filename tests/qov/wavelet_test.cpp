@@ -105,12 +105,17 @@ Expected<T> expected(Filter filter, bool inverse, const Source<T>& in, int half,
     }
 }
 
+// Whole numbers take the exponent for a choice: any, some more than 16 bits, any of 16 bits, or the extremes
+// of those alone, among which there are neighbours that make the largest sums.
 template <class T>
 T anyValue(Random& random, int exponent)
 {
-    if constexpr (std::is_integral_v<T>)
-        return random.value<T>();
-    else
+    if constexpr (std::is_integral_v<T>) {
+        if (exponent > 20) return random.value<T>();
+        if (exponent > -30) return T(random.in(-(1 << 19), 1 << 19));
+        if (exponent > -80) return T(random.oneIn(2) ? -32768 : 32767);
+        return T(random.value<Qov16s>());
+    } else
         return random.oneIn(5) ? T(0) : std::ldexp(T(random.in(-1 << 24, 1 << 24)), exponent - 24);
 }
 int anyExponent(Random& random)

@@ -169,18 +169,12 @@ struct Arithmetic<Qov16s, count> {
     template <Share share>
     QOV_INLINE V add(V target, V of)
     {
-        if constexpr (share == threeEighthsLow)
-            return subtract(target, mulRound(of, -(3 << 12))); // -((3v + 3) >> 3) is (-3v + 4) >> 3
-        else
-            return add(target, part<share>(of));
+        return add(target, part<share>(of));
     }
     template <Share share>
     QOV_INLINE V subtract(V target, V of)
     {
-        if constexpr (share == threeEighthsLow)
-            return add(target, mulRound(of, -(3 << 12))); // -((3v + 3) >> 3) is (-3v + 4) >> 3
-        else
-            return subtract(target, part<share>(of));
+        return subtract(target, part<share>(of));
     }
     // (a - b) >> 1 is a less the mean rounded up, and (a - b + 1) >> 1 that mean less b; the mean is one of
     // unsigned words, so all are biased.
@@ -197,6 +191,7 @@ struct Arithmetic<Qov16s, count> {
         if constexpr (share == half) return v >> 1;
         if constexpr (share == halfUp) return mulRound(v, 1 << 14);
         if constexpr (share == threeEighths) return mulRound(v, 3 << 12);
+        if constexpr (share == threeEighthsLow) return negative(mulRound(v, -(3 << 12))); // of (4 - 3v) >> 3
         if constexpr (share == threeQuarters) return subtract(v, v >> 2); // 3v / 4 up is v - v / 4 down
     }
 };

@@ -1,9 +1,9 @@
 // Colour blocks of S3TC, `lanes` of them at a time: a line through the colours of each block, its ends
 // rounded to 565 and refined by least squares.
 //
-// What decides is exact: texels, palettes, sums over a block and scores are integers or halves below 2^23, so
-// exactProductSum may or may not fuse. The axis and the solutions of the least squares are rounded, step by
-// step and in the same order at every level.
+// What decides is exact: texels, palettes, sums over a block and scores are integers below 2^24 or halves
+// below 2^23, so exactProductSum may or may not fuse. The axis and the solutions of the least squares are
+// rounded, step by step and in the same order at every level.
 #ifndef QOV_KERNELS_TEXTUREENC_FIT_H
 #define QOV_KERNELS_TEXTUREENC_FIT_H
 

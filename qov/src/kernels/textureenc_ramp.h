@@ -7,6 +7,14 @@
 namespace qov::QOV_LEVEL {
 namespace {
 
+// Left to itself clang keeps the loops over texels, and with them all arrays in memory: up to 2.4 times the
+// time. g++ does worse when they are unrolled.
+#if defined(__clang__)
+#define QOV_UNROLLED _Pragma("clang loop unroll(full)")
+#else
+#define QOV_UNROLLED
+#endif
+
 // Values of a block, the largest first, and their numbers in the format.
 struct Ramp {
     Bytes value[8];
@@ -34,6 +42,7 @@ QOV_INLINE void match(const Ramp& r, const Bytes texel[16], Bytes place[16])
     const Bytes toSigned = allBytes(0x80);
     Bytes threshold[7];
     for (int k = 0; k < 7; k++) threshold[k] = average(r.value[k], r.value[k + 1]) ^ toSigned;
+    QOV_UNROLLED
     for (int i = 0; i < 16; i++) {
         const Bytes x = texel[i] ^ toSigned;
         Bytes n = allBytes(0);
@@ -49,6 +58,7 @@ QOV_INLINE Squares error(const Ramp& r, const Bytes texel[16], const Bytes place
     for (int k = 0; k < 7; k++) fall[k] = r.value[k] - r.value[k + 1];
     Squares sum = noSquares();
     Bytes off[2];
+    QOV_UNROLLED
     for (int i = 0; i < 16; i++) {
         Bytes value = r.value[0];
         for (int k = 0; k < 7; k++) value = value - (greaterSigned(place[i], allBytes(Qov8u(k))) & fall[k]);
@@ -117,6 +127,8 @@ QOV_INLINE void codeRamps(const Qov8u* src, ptrdiff_t step, Qov8u* dst)
     packIndices(number + 8, block + 5);
     storeBlocks<stride>(block, dst);
 }
+
+#undef QOV_UNROLLED
 
 } // namespace
 } // namespace qov::QOV_LEVEL

@@ -4,9 +4,49 @@
 #define QOV_KERNELS_WAVELET_COLUMNS_H
 
 #include "wavelet_transforms.h"
+#include "wavelet_words.h"
 
 namespace qov::QOV_LEVEL {
 namespace {
+
+// What columns go in. Those of 5-3, which does little with each number, take registers of 512 bits at v4:
+// that spares instructions.
+template <class T>
+struct ColumnVector {
+    typedef Widest<T> Type;
+};
+#if defined(__AVX512BW__)
+constexpr int longRegisterBytes = 64;
+typedef Qov16s Long16s __attribute__((vector_size(longRegisterBytes)));
+typedef Qov32s Long32s __attribute__((vector_size(longRegisterBytes)));
+template <class T>
+struct LongHolds {
+    typedef T Number;
+    static constexpr ptrdiff_t count = longRegisterBytes / sizeof(T);
+};
+template <>
+struct Holds<Long16s> : LongHolds<Qov16s> {
+};
+template <>
+struct Holds<Long32s> : LongHolds<Qov32s> {
+};
+template <>
+struct Wrapping<Long16s> {
+    typedef Qov16u Type __attribute__((vector_size(longRegisterBytes)));
+};
+template <>
+struct Wrapping<Long32s> {
+    typedef Qov32u Type __attribute__((vector_size(longRegisterBytes)));
+};
+template <>
+struct ColumnVector<Qov16s> {
+    typedef Long16s Type;
+};
+template <>
+struct ColumnVector<Qov32s> {
+    typedef Long32s Type;
+};
+#endif
 
 // The rows of a side.
 template <class T>
@@ -91,18 +131,18 @@ struct SynthesisedColumns {
 
 // Columns go in strips whose chains stay in the nearest cache, and several pairs of rows at a time, between
 // which the chains stay in registers.
-template <class Filter, class T, class Columns>
+template <class Filter, class T, class Columns, class Vector>
 struct ColumnTransform {
-    typedef Widest<T> Vector;
     template <class V>
     using ColumnChain = Chain<Filter, alongColumns, V>;
     static constexpr int steps = Filter::steps;
     static constexpr ptrdiff_t delay = ColumnChain<T>::delay, atOnce = Holds<Vector>::count;
-    static constexpr ptrdiff_t stripWidth = 2048 / sizeof(T);
-    static constexpr int pairsAtOnce = 4;
+    static constexpr ptrdiff_t stripWidth = 16384 / (steps * sizeof(T));
+    static constexpr int pairsAtOnce = steps; // as found best
 
+    // Rows of it a multiple of 4096 bytes apart would hinder each other.
     struct Strip {
-        alignas(64) T before[steps][stripWidth];
+        alignas(64) T before[steps][stripWidth + 512 / sizeof(T)];
     };
 
     template <bool results, int pairs, class V>
@@ -157,13 +197,22 @@ struct ColumnTransform {
     }
 };
 
+template <class Filter, class T, class Columns>
+inline void transformColumns(const Columns& columns, QoviSize roi)
+{
+    typedef typename ColumnVector<T>::Type Long;
+    if (roi.width >= Holds<Long>::count)
+        ColumnTransform<Filter, T, Columns, Long>::runAll(columns, roi);
+    else
+        ColumnTransform<Filter, T, Columns, Widest<T>>::runAll(columns, roi);
+}
+
 template <class Filter, class T>
 void analyseColumns(const T* src, ptrdiff_t srcStep, T* low, ptrdiff_t lowStep, T* high, ptrdiff_t highStep,
                     QoviSize roi)
 {
     typedef AnalysedColumns<Filter, T> Columns;
-    ColumnTransform<Filter, T, Columns>::runAll(Columns{{src, srcStep}, {low, lowStep}, {high, highStep}},
-                                                roi);
+    transformColumns<Filter, T>(Columns{{src, srcStep}, {low, lowStep}, {high, highStep}}, roi);
 }
 
 template <class Filter, class T>
@@ -171,8 +220,7 @@ void synthesiseColumns(const T* low, ptrdiff_t lowStep, const T* high, ptrdiff_t
                        ptrdiff_t dstStep, QoviSize roi)
 {
     typedef SynthesisedColumns<Filter, T> Columns;
-    ColumnTransform<Filter, T, Columns>::runAll(Columns{{low, lowStep}, {high, highStep}, {dst, dstStep}},
-                                                roi);
+    transformColumns<Filter, T>(Columns{{low, lowStep}, {high, highStep}, {dst, dstStep}}, roi);
 }
 
 // A step of a 5-3 pipeline: `target` lies between the rows `before` and `behind` and is lifted to `first`;
@@ -202,18 +250,28 @@ struct Lift53 {
     }
 };
 
+template <class Filter, class T>
+inline void lift53(const Lift53<Filter, T>& rows, ptrdiff_t width)
+{
+    typedef typename ColumnVector<T>::Type Long;
+    if (width >= Holds<Long>::count)
+        forElements<Long, T>(rows, width);
+    else
+        forElements<Widest<T>, T>(rows, width);
+}
+
 template <class T>
 void forward53(const T* even0, const T* odd, const T* even1, const T* highPrev, T* low, T* high,
                ptrdiff_t width)
 {
-    forElements<Widest<T>, T>(Lift53<B53Forward, T>{even0, odd, even1, highPrev, high, low}, width);
+    lift53(Lift53<B53Forward, T>{even0, odd, even1, highPrev, high, low}, width);
 }
 
 template <class T>
 void inverse53(const T* low1, const T* high0, const T* high1, const T* even0, T* odd, T* even1,
                ptrdiff_t width)
 {
-    forElements<Widest<T>, T>(Lift53<B53Inverse, T>{high0, low1, high1, even0, even1, odd}, width);
+    lift53(Lift53<B53Inverse, T>{high0, low1, high1, even0, even1, odd}, width);
 }
 
 // A step of a 9-7 pipeline: four rows lifted in place, the newest first. Row i lies between rows i - 1 and i
@@ -257,6 +315,23 @@ inline void lift97(const Lift97<Filter, T>& rows, ptrdiff_t width)
 {
     forElements<typename Lifted<Filter, T>::Vector, typename Lifted<Filter, T>::Number>(rows, width);
 }
+#if defined(QOV_SIMD256)
+template <class Filter>
+inline void lift97(const Lift97<Filter, Qov16s>& rows, ptrdiff_t width)
+{
+    forElements<Vector16s, Qov64s>(rows, width);
+}
+template <class Filter>
+inline void lift97(const Lift97<Filter, Qov32s>& rows, ptrdiff_t width)
+{
+    bool words = width >= Holds<Vector32s>::count && areWords(rows.newest, width);
+    for (const Qov32s* row : rows.row) words = words && areWords(row, width);
+    if (words && areWords(rows.oldest, width))
+        forElements<Vector32s, Qov64s>(rows, width);
+    else
+        forElements<Doubles, Qov64s>(rows, width);
+}
+#endif
 
 template <class T>
 void forward97(const T* low0, T* high0, T* low1, T* high1, T* low2, const T* high2, ptrdiff_t width)

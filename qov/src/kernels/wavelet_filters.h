@@ -10,7 +10,7 @@
 //
 // V is a number or a vector: elements for B53 and for D97 in floating point. Whole numbers of D97 are lifted
 // in 64 bits, a vector of them in doubles: with factors of 17 bits no term of 32-bit samples reaches 2^53, so
-// both are exact.
+// both are exact. So are 32 bits for numbers that start within 16, whatever type they come in.
 #ifndef QOV_KERNELS_WAVELET_FILTERS_H
 #define QOV_KERNELS_WAVELET_FILTERS_H
 
@@ -57,6 +57,21 @@ struct B53Inverse {
 struct Constant97 {
     float number;
     int in65536;
+    // The same for 32 bits: in65536 = units * 2^(16 - halvings) + rest.
+    int halvings = 0, units = 0, rest = 0;
+
+    // With a rest whose product with numbers up to `largest` times 32768, and half of 65536 more, has 32
+    // bits.
+    constexpr Constant97 upTo(double largest) const
+    {
+        Constant97 c = *this;
+        for (c.halvings = 0;; c.halvings++) {
+            const int unit = 0x10000 >> c.halvings;
+            c.units = (in65536 + (in65536 < 0 ? -unit : unit) / 2) / unit;
+            c.rest = in65536 - c.units * unit;
+            if ((c.rest < 0 ? -c.rest : c.rest) * largest < 0xFFF0) return c;
+        }
+    }
 };
 constexpr Constant97 lifts97[4] = {{-1.586134342f, -103949}, // alpha, beta, gamma, delta
                                    {-0.052980118f, -3472},
@@ -143,62 +158,104 @@ inline Doubles subtractProduct(Doubles target, const Constant97& c, Doubles v)
 {
     return target - product(c, v);
 }
+
+// Of a constant that upTo() made for such numbers. Rounding down twice is as good as once.
+inline Vector32s product(const Constant97& c, Vector32s v)
+{
+    return (v * c.units + ((v * c.rest + 0x8000) >> (16 - c.halvings))) >> c.halvings;
+}
+inline Vector32s addProduct(Vector32s target, const Constant97& c, Vector32s v)
+{
+    return target + product(c, v);
+}
+inline Vector32s subtractProduct(Vector32s target, const Constant97& c, Vector32s v)
+{
+    return target - product(c, v);
+}
 #endif
 
+template <class V>
+inline V addProduct(V target, const Constant97& c, V before, V behind)
+{
+    return addProduct(target, c, before + behind);
+}
+template <class V>
+inline V subtractProduct(V target, const Constant97& c, V before, V behind)
+{
+    return subtractProduct(target, c, before + behind);
+}
+
+// `sums` and the `largest` are bounds of what is multiplied, in a row and in a step of a pipeline, for
+// samples up to 1.
 struct D97Forward {
     static constexpr int steps = 4;
+    static constexpr double sums[steps] = {2, 8.35, 2.89, 3.92}, largestLow = 1.71, largestHigh = 2.12;
 
     template <int step, class V>
     static inline V lift(V target, V before, V behind)
     {
-        return addProduct(target, lifts97[step], before + behind);
+        constexpr Constant97 c = lifts97[step].upTo(sums[step]);
+        return addProduct(target, c, before, behind);
     }
     template <class V>
     static inline void finish(V& low, V& high)
     {
-        low = product(inverseScale97, low);
-        high = product(scale97, high);
+        constexpr Constant97 lowScale = inverseScale97.upTo(largestLow),
+                             highScale = scale97.upTo(largestHigh);
+        low = product(lowScale, low);
+        high = product(highScale, high);
     }
 };
 
 struct D97Inverse {
     static constexpr int steps = 4;
+    static constexpr double sums[steps] = {2, 3.91, 8.52, 3.31};
 
     template <int step, class V>
     static inline V lift(V target, V before, V behind)
     {
-        return subtractProduct(target, lifts97[steps - 1 - step], before + behind);
+        constexpr Constant97 c = lifts97[steps - 1 - step].upTo(sums[step]);
+        return subtractProduct(target, c, before, behind);
     }
     template <class V>
     static inline void prepare(V& low, V& high)
     {
-        low = product(scale97, low);
-        high = product(inverseScale97, high);
+        constexpr Constant97 lowScale = scale97.upTo(1), highScale = inverseScale97.upTo(1);
+        low = product(lowScale, low);
+        high = product(highScale, high);
     }
 };
 
-// What elements of type T are lifted in.
+// What elements of type T are lifted in along rows.
 template <class Filter, class T>
 struct Lifted {
     typedef T Number;
     typedef Widest<T> Vector;
+    static constexpr bool mayBeWords = false; // within 16 bits, and then lifted in 32
 };
 struct LiftedWide {
     typedef Qov64s Number;
+    static constexpr bool mayBeWords = true;
 #if defined(QOV_SIMD256)
     typedef Doubles Vector;
 #else
     typedef Qov64s Vector;
 #endif
 };
+struct LiftedWords : LiftedWide {
+#if defined(QOV_SIMD256)
+    typedef Vector32s Vector;
+#endif
+    static constexpr bool mayBeWords = false;
+};
 template <>
-struct Lifted<D97Forward, Qov16s> : LiftedWide {
+struct Lifted<D97Forward, Qov16s> : LiftedWords {
 };
 template <>
 struct Lifted<D97Forward, Qov32s> : LiftedWide {
 };
 template <>
-struct Lifted<D97Inverse, Qov16s> : LiftedWide {
+struct Lifted<D97Inverse, Qov16s> : LiftedWords {
 };
 template <>
 struct Lifted<D97Inverse, Qov32s> : LiftedWide {

@@ -85,13 +85,17 @@ struct AnalysedRow {
         V l = lifted;
         V h = chain.before[Filter::steps - 1];
         Filter::finish(l, h);
-        keep(low + n, saturated<T>(l));
-        keep(high + n, saturated<T>(h));
+        keepHalves(low + n, high + n, saturated<T>(l), saturated<T>(h));
+    }
+    inline bool readsWords(ptrdiff_t count) const
+    {
+        return areWords(src - Filter::steps, 2 * (count + Filter::steps) - 1);
     }
 };
 
 template <class Filter, class T>
 struct SynthesisedRow {
+    static constexpr ptrdiff_t delay = Filter::steps / 2;
     const T *low, *high;
     T* dst;
 
@@ -114,12 +118,14 @@ struct SynthesisedRow {
     {
         join(dst + 2 * n, saturated<T>(earlier), saturated<T>(lifted));
     }
+    inline bool readsWords(ptrdiff_t count) const
+    {
+        return areWords(low - delay + 1, count + 2 * delay - 1) && areWords(high - delay, count + 2 * delay);
+    }
 };
 
-template <class Filter, class T, class Row>
+template <class Filter, class Row, class Number, class Vector>
 struct RowTransform {
-    typedef typename Lifted<Filter, T>::Number Number;
-    typedef typename Lifted<Filter, T>::Vector Vector;
     template <class V>
     using RowChain = Chain<Filter, alongRows, V>;
     static constexpr ptrdiff_t delay = RowChain<Number>::delay, atOnce = Holds<Vector>::count;
@@ -202,6 +208,20 @@ struct RowTransform {
     }
 };
 
+template <class Filter, class T, class Row>
+inline void transformRow(const Row& row, ptrdiff_t count)
+{
+    typedef Lifted<Filter, T> In;
+    typedef typename In::Number Number;
+#if defined(QOV_SIMD256)
+    if constexpr (In::mayBeWords) {
+        typedef RowTransform<Filter, Row, Number, Vector32s> ForWords;
+        if (count >= ForWords::atOnce && row.readsWords(count)) return ForWords::run(row, count);
+    }
+#endif
+    RowTransform<Filter, Row, Number, typename In::Vector>::run(row, count);
+}
+
 template <class Filter, class T>
 void analyseRows(const T* src, ptrdiff_t srcStep, T* low, ptrdiff_t lowStep, T* high, ptrdiff_t highStep,
                  QoviSize roi)
@@ -209,7 +229,7 @@ void analyseRows(const T* src, ptrdiff_t srcStep, T* low, ptrdiff_t lowStep, T* 
     assert(roi.width > 0 && roi.height > 0);
     typedef AnalysedRow<Filter, T> Row;
     for (int y = 0; y < roi.height; y++) {
-        RowTransform<Filter, T, Row>::run(Row{src, low, high}, roi.width);
+        transformRow<Filter, T>(Row{src, low, high}, roi.width);
         src = atByte(src, srcStep);
         low = atByte(low, lowStep);
         high = atByte(high, highStep);
@@ -223,7 +243,7 @@ void synthesiseRows(const T* low, ptrdiff_t lowStep, const T* high, ptrdiff_t hi
     assert(roi.width > 0 && roi.height > 0);
     typedef SynthesisedRow<Filter, T> Row;
     for (int y = 0; y < roi.height; y++) {
-        RowTransform<Filter, T, Row>::run(Row{low, high, dst}, roi.width);
+        transformRow<Filter, T>(Row{low, high, dst}, roi.width);
         low = atByte(low, lowStep);
         high = atByte(high, highStep);
         dst = atByte(dst, dstStep);

@@ -64,7 +64,9 @@ inline Bits loadLanes(const void* first, const void* second)
 template <int bytes>
 inline Bits previousBits(Bits before, Bits now)
 {
-#if defined(__AVX512VL__)
+#if defined(__AVX512VL__) && defined(__AVX512BW__)
+    const Bits places = _mm256_setr_epi16(15, 16, 17, 18, 19, 20, 21, 22, 23, 24, 25, 26, 27, 28, 29, 30);
+    if constexpr (bytes == 2) return _mm256_permutex2var_epi16(before, places, now);
     if constexpr (bytes == 4) return _mm256_alignr_epi32(now, before, 7);
     if constexpr (bytes == 8) return _mm256_alignr_epi64(now, before, 3);
 #endif
@@ -85,6 +87,18 @@ inline void splitWords(const char* p, Bits& even, Bits& odd)
     even = _mm256_permutex2var_epi16(a, order, b);
     odd = _mm256_permutex2var_epi16(a, _mm256_add_epi16(order, all16(1)), b);
 }
+inline void joinDwords(char* p, Bits even, Bits odd)
+{
+    const Bits order = _mm256_setr_epi32(0, 8, 1, 9, 2, 10, 3, 11);
+    store(p, _mm256_permutex2var_epi32(even, order, odd));
+    store(p + 32, _mm256_permutex2var_epi32(even, add32(order, all32(4)), odd));
+}
+inline void joinWords(char* p, Bits even, Bits odd)
+{
+    const Bits order = _mm256_setr_epi16(0, 16, 1, 17, 2, 18, 3, 19, 4, 20, 5, 21, 6, 22, 7, 23);
+    store(p, _mm256_permutex2var_epi16(even, order, odd));
+    store(p + 32, _mm256_permutex2var_epi16(even, add16(order, all16(8)), odd));
+}
 #else
 inline void splitDwords(const char* p, Bits& even, Bits& odd)
 {
@@ -100,7 +114,6 @@ inline void splitWords(const char* p, Bits& even, Bits& odd)
     even = lowQwords(a, b);
     odd = highQwords(a, b);
 }
-#endif
 inline void joinHalves(char* p, Bits low, Bits high)
 {
     store(p, crossLowLanes(low, high));
@@ -114,6 +127,7 @@ inline void joinWords(char* p, Bits even, Bits odd)
 {
     joinHalves(p, lowWords(even, odd), highWords(even, odd));
 }
+#endif
 #else
 typedef __m128i Bits;
 template <int bytes>
@@ -196,16 +210,70 @@ QOV_SPLIT_AND_JOIN(Qov32s, Vector32s)
 QOV_SPLIT_AND_JOIN(Qov32f, Vector32f)
 #undef QOV_SPLIT_AND_JOIN
 
+// Words in 32 bits, saturated when they leave them.
+#if defined(__AVX2__)
+inline Vector32s fetch(const Qov16s* p, Vector32s)
+{
+    return (Vector32s)widenSigned(get<__m128i>(p));
+}
+inline void keepHalves(Qov16s* low, Qov16s* high, Vector32s l, Vector32s h)
+{
+    const Bits both = crossQwords(pack32((Bits)l, (Bits)h));
+    put(low, lowLane(both));
+    put(high, highLane(both));
+}
+inline void join(Qov16s* p, Vector32s even, Vector32s odd)
+{
+    const __m128i order = _mm_setr_epi8(0, 1, 8, 9, 2, 3, 10, 11, 4, 5, 12, 13, 6, 7, 14, 15);
+    put(p, shuffleBytes(pack32((Bits)even, (Bits)odd), bothLanes(order)));
+}
+#else
+inline Vector32s fetch(const Qov16s* p, Vector32s)
+{
+    return (Vector32s)_mm_cvtepi16_epi32(_mm_loadl_epi64((const __m128i*)p));
+}
+inline void keepHalves(Qov16s* low, Qov16s* high, Vector32s l, Vector32s h)
+{
+    const Bits both = _mm_packs_epi32((Bits)l, (Bits)h);
+    _mm_storel_epi64((__m128i*)low, both);
+    _mm_storeh_pi((__m64*)high, _mm_castsi128_ps(both));
+}
+inline void join(Qov16s* p, Vector32s even, Vector32s odd)
+{
+    const __m128i e = _mm_packs_epi32((Bits)even, (Bits)even), o = _mm_packs_epi32((Bits)odd, (Bits)odd);
+    put(p, _mm_unpacklo_epi16(e, o));
+}
+#endif
+inline void split(const Qov16s* p, Vector32s& even, Vector32s& odd)
+{
+    const Vector32s pairs = get<Vector32s>(p);
+    even = (pairs << 16) >> 16;
+    odd = pairs >> 16;
+}
+
+inline bool anyBits(Vector32u v)
+{
+#if defined(__AVX2__)
+    return !_mm256_testz_si256((Bits)v, (Bits)v);
+#else
+    return !_mm_testz_si128((Bits)v, (Bits)v);
+#endif
+}
+// Whether all of the numbers, at least a vector of them, lie within 16 bits.
+inline bool areWords(const Qov32s* p, ptrdiff_t count)
+{
+    constexpr ptrdiff_t atOnce = Holds<Vector32s>::count;
+    Vector32u bits = get<Vector32u>(p + count - atOnce) + 0x8000;
+    for (ptrdiff_t x = 0; x < count - atOnce; x += atOnce) bits |= get<Vector32u>(p + x) + 0x8000;
+    return !anyBits(bits >> 16);
+}
+
 // Whole numbers in doubles, within the range of their type.
 inline Doubles fetch(const Qov32s* p, Doubles)
 {
     return widen(p);
 }
 #if defined(__AVX2__)
-inline Doubles fetch(const Qov16s* p, Doubles)
-{
-    return _mm256_cvtepi32_pd(_mm_cvtepi16_epi32(_mm_loadl_epi64((const __m128i*)p)));
-}
 inline __m128i wholeNumbers(Doubles v)
 {
     return _mm256_cvtpd_epi32(v);
@@ -213,11 +281,6 @@ inline __m128i wholeNumbers(Doubles v)
 inline void keep(Qov32s* p, Doubles v)
 {
     put(p, wholeNumbers(v));
-}
-inline void keep(Qov16s* p, Doubles v)
-{
-    const __m128i whole = wholeNumbers(v);
-    _mm_storel_epi64((__m128i*)p, _mm_packs_epi32(whole, whole));
 }
 inline void splitDoubles(__m256i evenThenOdd, Doubles& even, Doubles& odd)
 {
@@ -228,27 +291,13 @@ inline void split(const Qov32s* p, Doubles& even, Doubles& odd)
 {
     splitDoubles(_mm256_permutevar8x32_epi32(load(p), _mm256_setr_epi32(0, 2, 4, 6, 1, 3, 5, 7)), even, odd);
 }
-inline void split(const Qov16s* p, Doubles& even, Doubles& odd)
-{
-    const __m128i order = _mm_setr_epi8(0, 1, 4, 5, 8, 9, 12, 13, 2, 3, 6, 7, 10, 11, 14, 15);
-    splitDoubles(_mm256_cvtepi16_epi32(_mm_shuffle_epi8(get<__m128i>(p), order)), even, odd);
-}
 inline void join(Qov32s* p, Doubles even, Doubles odd)
 {
     const __m128i e = wholeNumbers(even), o = wholeNumbers(odd);
     put(p, _mm_unpacklo_epi32(e, o));
     put(p + 4, _mm_unpackhi_epi32(e, o));
 }
-inline void join(Qov16s* p, Doubles even, Doubles odd)
-{
-    const __m128i e = wholeNumbers(even), o = wholeNumbers(odd);
-    put(p, _mm_packs_epi32(_mm_unpacklo_epi32(e, o), _mm_unpackhi_epi32(e, o)));
-}
 #else
-inline Doubles fetch(const Qov16s* p, Doubles)
-{
-    return _mm_cvtepi32_pd(_mm_cvtepi16_epi32(_mm_cvtsi32_si128(get<int>(p))));
-}
 inline __m128i wholeNumbers(Doubles even, Doubles odd)
 {
     return _mm_unpacklo_epi32(_mm_cvtpd_epi32(even), _mm_cvtpd_epi32(odd));
@@ -256,12 +305,6 @@ inline __m128i wholeNumbers(Doubles even, Doubles odd)
 inline void keep(Qov32s* p, Doubles v)
 {
     _mm_storel_epi64((__m128i*)p, _mm_cvtpd_epi32(v));
-}
-inline void keep(Qov16s* p, Doubles v)
-{
-    const __m128i whole = _mm_cvtpd_epi32(v);
-    const int pair = _mm_cvtsi128_si32(_mm_packs_epi32(whole, whole));
-    put(p, pair);
 }
 inline void splitDoubles(__m128i evenThenOdd, Doubles& even, Doubles& odd)
 {
@@ -272,23 +315,21 @@ inline void split(const Qov32s* p, Doubles& even, Doubles& odd)
 {
     splitDoubles(_mm_shuffle_epi32(get<__m128i>(p), 0xD8), even, odd);
 }
-inline void split(const Qov16s* p, Doubles& even, Doubles& odd)
-{
-    const __m128i words = _mm_loadl_epi64((const __m128i*)p);
-    splitDoubles(_mm_cvtepi16_epi32(_mm_shufflelo_epi16(words, 0xD8)), even, odd);
-}
 inline void join(Qov32s* p, Doubles even, Doubles odd)
 {
     put(p, wholeNumbers(even, odd));
 }
-inline void join(Qov16s* p, Doubles even, Doubles odd)
-{
-    const __m128i pairs = wholeNumbers(even, odd);
-    _mm_storel_epi64((__m128i*)p, _mm_packs_epi32(pairs, pairs));
-}
 #endif
 
 #endif
+
+// Elements of two rows.
+template <class T, class V>
+inline void keepHalves(T* low, T* high, V l, V h)
+{
+    keep(low, l);
+    keep(high, h);
+}
 
 } // namespace
 } // namespace qov::QOV_LEVEL

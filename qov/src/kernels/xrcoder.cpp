@@ -72,7 +72,7 @@ QovStatus decodeBlock(const Qov8u** src, int* bit, T* dst, ptrdiff_t step, int n
 
 void scanDC(const Qov32s* src, Qov32s* dst, XrCoderState* state)
 {
-    XrScan* const scan = &state->scans[XrCoderState::direct];
+    XrScan* const scan = &state->scans[XrCoderState::lowPassScan];
     Qov32s list[XrScan::places];
     inOrder(scan, src, list);
     memcpy(dst, list + 1, lastPlace * sizeof *dst);
@@ -92,7 +92,7 @@ QovStatus encodeDC(const Qov32s* src, Qov8u** dst, int* bit, int chroma, int* no
 QovStatus decodeDC444(const Qov8u** src, int* bit, Qov32s* dst, int chroma, int* nonZero, XrCoderState* state)
 {
     Qov32s block[16] = {};
-    XrScan* const scan = &state->scans[XrCoderState::direct];
+    XrScan* const scan = &state->scans[XrCoderState::lowPassScan];
     const Qov32u places =
         decodeLevels(src, bit, 1, &state->sets[XrCoderState::lowPass], chroma, scan->order, block);
     if (!places) return qovStsData;
@@ -141,22 +141,12 @@ void init(XrCoderState* state)
     for (int i = 0; i < XrCoderState::scanCount; i++) initScan(&state->scans[i], i);
 }
 
-void resetScan(XrScan* scan)
-{
-    resetTotals(scan);
-}
-
-void adapt(XrTableSet* set)
-{
-    adaptTables(set);
-}
-
 } // namespace
 
 extern const XrCoderKernels xrCoderKernels = {
     init,
-    resetScan,
-    adapt,
+    resetTotals,
+    adaptTables,
     scanDC,
     encodeDC<15>,
     encodeDC<14>,

@@ -28,8 +28,8 @@ struct __attribute__((packed)) XrScan {
 
 struct __attribute__((packed)) XrCoderState {
     static constexpr Qov32u markValue = 0x53525851;
-    static constexpr int lowPass = 0, highPass = 1;                // sets
-    static constexpr int horizontal = 0, vertical = 1, direct = 2; // scans; the last one is the low-pass scan
+    static constexpr int lowPass = 0, highPass = 1;                     // sets
+    static constexpr int horizontal = 0, vertical = 1, lowPassScan = 2; // scans; the first two are high-pass
     static constexpr int setCount = 2, scanCount = 3;
 
     Qov32u mark;

@@ -21,8 +21,8 @@ QOV_INLINE int levelTable(int context)
     return XrTableSet::levelTables + context;
 }
 
-// What a symbol adds to its two discriminants, as signed bytes of a number; and what the few symbols of a
-// list add, since these are added up as the numbers are.
+// What a symbol adds to the two discriminants of its table, as signed bytes of one number. The sum of such
+// numbers tells what the symbols of a list add: 15 of 2 at most stay within a byte.
 constexpr Qov32u packChanges(int first, int second)
 {
     return Qov32u(first + second * 0x100);

@@ -46,10 +46,10 @@ struct ListDecoder {
     int chroma;
     const Qov8u* order;
     Qov32s* dst; // the value of a place goes to dst[order[place]]
-    int context, place;
-    Qov32u next; // what follows the place
-    Qov32u places;
-    Qov32u indexChanges, levelChanges; // of this context
+    int context = 0, place = 0;
+    Qov32u next = nothingFollows; // what follows the place
+    Qov32u places = 0;
+    Qov32u indexChanges = 0, levelChanges = 0; // of this context
 
     __attribute__((always_inline)) void put(Qov32u level, Qov32u sign)
     {
@@ -101,7 +101,7 @@ struct ListDecoder {
     // A level above 1, behind which `sure` bits come at least.
     __attribute__((always_inline)) Qov32u takeLevel(const DecodingContext& tables, Qov32u sure)
     {
-        // A code goes on for a bit at least behind its leading zeros, 5 at most.
+        // A code goes on for a bit at least behind its leading zeros, 5 at most; or its extra bits do.
         Qov32u zeros = Qov32u(__builtin_clzll(window.bits | 1));
         zeros = zeros < window.count ? zeros : window.count;
         zeros = zeros < 5 ? zeros : 5;
@@ -247,7 +247,7 @@ __attribute__((noinline)) Qov32u decodeLevels(const Qov8u** src, int* bit, int f
                                               int chroma, const Qov8u* order, Qov32s* dst)
 {
     const DecodingContext contexts[2] = {{set, chroma, 0}, {set, chroma, 1}};
-    ListDecoder list = {BitReader(*src, *bit), {0, 0}, contexts, set, chroma, order, dst, 0, 0, 0, 0, 0, 0};
+    ListDecoder list = {BitReader(*src, *bit), {0, 0}, contexts, set, chroma, order, dst};
     if (!list.takeFirst(first)) return 0;
     while (list.next != nothingFollows) {
         if (list.next == valueFollows && list.in.total >= BitReader::far) takeEscapesInARow(list);
