@@ -165,7 +165,7 @@ struct Plane {
     void expect(const Image<Qov64s>& right)
     {
         Memory surroundings = memory;
-        for (int y = 0; y < rect.height; y++) {
+        for (int y = 0; rect.width && y < rect.height; y++) {
             for (int x = 0; x < rect.width; x++)
                 ASSERT_EQ(right.at(rect.x + x, rect.y + y), row(y)[x]) << "column " << x << ", row " << y;
             std::memset(surroundings.start() + y * step, Memory::guard, size_t(rect.width) * sizeof(T));
