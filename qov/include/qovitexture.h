@@ -10,9 +10,9 @@
 
 #include "qovdefs.h"
 
-// End points lie on the principal axis of the block's colours and are refined by least squares; alpha and the
-// channels of BC4 and BC5 take the better of six and eight values. DXT1 makes texels of alpha below 128
-// transparent black.
+// End points lie on the principal axis of the block's colours and are refined by least squares; the channels
+// of BC4 and BC5 and the alpha of DXT5 take the better of six and eight values. Alpha of DXT3 is rounded to
+// the nearest multiple of 17. DXT1 makes texels of alpha below 128 transparent black.
 QOV_API QovStatus qoviTextureEncodeBlock_BC4_8u_C1R(const Qov8u* pSrc, int srcStep, QoviSize roi,
                                                     Qov8u* pDst);
 QOV_API QovStatus qoviTextureEncodeBlockFromRG_BC5_8u_C2C1R(const Qov8u* pSrc, int srcStep, QoviSize roi,

@@ -35,16 +35,17 @@ QOV_API QovStatus qoviVLCGetStateSize_JPEGXR(int* pSize);
 // The state at the start of a tile: first tables, first orders, high-pass scan 0.
 QOV_API QovStatus qoviVLCInit_JPEGXR(QoviVLCState_JPEGXR* pState);
 // Scans are 0 high-pass horizontal, 1 high-pass vertical, 2 low-pass; another one is qovStsBadArg. A reset
-// restores the totals and leaves the order (8.11.4). Whether it is the last one of a tile changes nothing.
+// restores the totals and leaves the order (8.11). Whether it is the last one of a tile changes nothing.
 QOV_API QovStatus qoviVLCScanReset_JPEGXR(QoviVLCState_JPEGXR* pState, int which, int last QOV_DEFAULT(0));
 // The scan that the 4x4 coders use from now on, 0 or 1.
 QOV_API QovStatus qoviVLCScanSet_JPEGXR(QoviVLCState_JPEGXR* pState, int which);
 // The adaptation step (8.8.4) of set 0, low-pass, or 1, high-pass; none with `adapt` 0.
 QOV_API QovStatus qoviVLCAdapt_JPEGXR(QoviVLCState_JPEGXR* pState, int which, int adapt QOV_DEFAULT(1));
 
-// Low-pass lists. Scan4x4DC takes 16 coefficients in raster order to a list of 15, without the first, and
-// DecodeDC444 leaves element 0 of the 16 that it makes. Lists of 4:2:2 have 14 places and of 4:2:0 six, U and
-// V in turn, gathered and spread by the caller, and always use the tables of chroma. `chroma` is 0 or 1.
+// Low-pass lists. Scan4x4DC takes 16 coefficients in raster order to a list of 15 in that of the low-pass
+// scan, without the first; DecodeDC444 gives raster order again and leaves element 0. Both update the scan.
+// Lists of 4:2:2 have 14 places and of 4:2:0 six, U and V in turn, gathered and spread by the caller, and
+// always use the tables of chroma. `chroma` is 0 or 1.
 QOV_API QovStatus qoviVLCScan4x4DC_JPEGXR_32s(const Qov32s* pSrc, Qov32s* pDst, QoviVLCState_JPEGXR* pState);
 QOV_API QovStatus qoviVLCEncodeDC444_JPEGXR_32s1u(const Qov32s* pSrc, Qov8u** ppDst, int* pBit, int chroma,
                                                   int* pNumNonZero, QoviVLCState_JPEGXR* pState);
@@ -59,9 +60,9 @@ QOV_API QovStatus qoviVLCDecodeDC422_JPEGXR_1u32s(const Qov8u** ppSrc, int* pBit
 QOV_API QovStatus qoviVLCDecodeDC420_JPEGXR_1u32s(const Qov8u** ppSrc, int* pBit, Qov32s* pDst,
                                                   int* pNumNonZero, QoviVLCState_JPEGXR* pState);
 
-// High-pass coefficients of a 4x4 block, elements 1 to 15 in raster order; element 0 is neither coded nor
-// written. The Flex form writes the same bits: its low bits go through FLCEncode4x4 next. Decoding gives the
-// level shifted back, low bits 0.
+// High-pass coefficients of a 4x4 block, elements 1 to 15 in raster order, by the scan in use, which they
+// update; element 0 is neither coded nor written. The Flex form writes the same bits: its low bits go through
+// FLCEncode4x4 next. Decoding gives the level shifted back, low bits 0.
 QOV_API QovStatus qoviVLCEncode4x4_JPEGXR_32s1u_C1R(const Qov32s* pSrc, int srcStep, Qov8u** ppDst, int* pBit,
                                                     int nBits, int chroma, int* pNumNonZero,
                                                     QoviVLCState_JPEGXR* pState);

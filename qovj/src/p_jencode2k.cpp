@@ -99,13 +99,12 @@ public:
         const bool store = m_func.contains("EncodeStore");
         m_decode = m_func.contains("Decode");
         m_parms.append(&g_code2k_size);
+        m_parms.append(&codeStyles);
         setCodeStyles();
         setBuffLens();
         if (store) {
             m_parms.append(&buffLens);
             measureSingleCalls();
-        } else {
-            m_parms.append(&codeStyles);
         }
         return true;
     }
@@ -154,9 +153,8 @@ private:
         codeStyles[qoviCodeStyleSegSym] = "UseSegmentationSymbols";
         codeStyles[qoviCodeStyleLossless] = "LosslessMode";
         codeStyles.add(0);
-        if (!m_decode) {
-            codeStyles.add(qoviCodeStyleBypass);
-        } else {
+        if (m_func.contains("EncodeLoad")) codeStyles.add(qoviCodeStyleBypass);
+        if (m_decode) {
             for (int style = 1; style <= qoviCodeStyleLossless; style *= 2) codeStyles.add(style);
         }
     }

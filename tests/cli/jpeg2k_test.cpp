@@ -60,12 +60,12 @@ TEST(Jpeg2kCodec, NamesTheLevelsInUseAndPassesOverWhatTheCodecRefuses)
     EXPECT_EQ(rowsOf(run),
               inAnyOrder(expanded("jpeg2k_{Decoder,Encoder},8u,C3,720x480,jaehne.bmp,mct+,0,8,wt53, "
                                   "jpeg2k_{Decoder,Encoder},8u,C3,720x480,jaehne.bmp,mct+,10,8,wt{53,97},")));
-    EXPECT_THAT(run.out(), ContainsRegex("\nencoder: jpeg2kcodec.exe -i jaehne.bmp -o jaehne.jp2 -linf\\+ "
+    EXPECT_THAT(run.out(), ContainsRegex("\nencoder:jpeg2kcodec.exe -i jaehne.bmp -o jaehne.jp2 -linf\\+ "
                                          "-mct\\+ -ratio 10 -wlev 8 -wt wt97\n"
-                                         "decoder: jpeg2kcodec.exe -i jaehne.jp2 -o jaehne.bmp -linf\\+\n"
+                                         "decoder:jpeg2kcodec.exe -i jaehne.jp2 -o jaehne.bmp -linf\\+\n"
                                          ".* perf=[ 0-9.e+]+/ *3.46e\\+05="));
-    EXPECT_THAT(linesWith(run.out(), "encoder: "), SizeIs(6));
-    EXPECT_THAT(linesWith(run.out(), "decoder: "), SizeIs(3));
+    EXPECT_THAT(linesWith(run.out(), "encoder:"), SizeIs(6));
+    EXPECT_THAT(linesWith(run.out(), "decoder:"), SizeIs(3));
 }
 
 TEST(Jpeg2kCodec, ReplaysPicturesOfItsNumberOfChannels)

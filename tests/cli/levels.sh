@@ -43,14 +43,16 @@ esac
 title='funcBase,funcDataType,funcDescriptor,Len/Size,Parm1,Parm2,Parm3,Parm4,scaleFactor,Comment,Clocks,per,Time (usec),MFlops'
 printf '%s\n' 'CPU,x86-64-v3 (AVX2), 2 GHz' 'OS,o' 'Computer,c' 'Library,l' 'Start,s' "$title" \
     'qoviUp,8u,C1R,size,order,-,-,-,-,parmNames,-,-,-,-' "qoviUp,8u,C1R,8x8,2,-,-,-,-,nLps=4,$up,px,1,-" \
-    'qoviDown,8u,C1R,size,-,-,-,-,-,parmNames,-,-,-,-' "qoviDown,8u,C1R,8x8,-,-,-,-,-,nLps=4,$down,px,1,-" >"$table"
+    'qoviDown,8u,C1R,size,-,-,-,-,-,parmNames,-,-,-,-' "qoviDown,8u,C1R,8x8,-,-,-,-,-,nLps=4,$down,px,1,-" \
+    'qoviStep,-,-,size,-,-,-,-,-,parmNames,-,-,-,-' 'qoviStep,-,-,8x8,-,-,-,-,-,nLps=4,9.00,px,1,-' >"$table"
 printf '%s\n' CPU,c Function,Class 'qoviUp_8u_C1R,c,-,-,-,-,TimjSample' 'qoviDown_8u_C1R,c,-,-,-,-,TimjSample' \
-    END_DATA '.Number of tests,2' >"$summary"
+    'qoviStep,c,-,-,-,-,TimjSample' END_DATA '.Number of tests,3' >"$summary"
 END
 chmod +x "$dir/program"
 run --program "$dir/program" --rounds 2 -f
 for line in '| `qoviUp_8u_C1R` | 8x8, order 2 | px | 20 | 8 | 5 | - | 4.0 |' \
-    '| `qoviDown_8u_C1R` | 8x8 | px | 6.00 | 2.00 | 1.60 | - | 3.8 |' '- `qoviDown_8u_C1R`: 3.8'; do
+    '| `qoviDown_8u_C1R` | 8x8 | px | 6.00 | 2.00 | 1.60 | - | 3.8 |' '- `qoviDown_8u_C1R`: 3.8' \
+    '| `qoviStep` | 8x8 | px | 9.00 | 9.00 | 9.00 | - | 1.0 |'; do
     grep -qxF -- "$line" "$dir/out" || fail "no line: $line; but: $(cat "$dir/out")"
 done
 echo ok

@@ -103,7 +103,7 @@ static const struct {
      "16x8", "px", 32},
     {"TimjCode2K", "p_jencode2k", "qoviEncodeLoadCodeBlock_JPEG2K_32s_C1R", "8x4,{0,SelectiveMqBypass}", "px",
      32},
-    {"TimjCode2K", "p_jencode2k", "qoviEncodeStoreBits_JPEG2K_1u", "8x4,{8,64,1024}", "px", 32},
+    {"TimjCode2K", "p_jencode2k", "qoviEncodeStoreBits_JPEG2K_1u", "8x4,0,{8,64,1024}", "px", 32},
     {"TimjCode2K", "p_jencode2k", "qoviDecodeCodeBlock_JPEG2K_1u32s_C1R qoviDecodeCBProgrStep_JPEG2K",
      "8x4,{0,VerticallyCausalContext,SelectiveMqBypass,TerminateOnEveryPass,ResetctxOnEveryPass,"
      "UseSegmentationSymbols,LosslessMode}",
@@ -358,6 +358,46 @@ TEST(Suites, MeasureOddSizes)
     std::map<std::string, Cells> divisors = divisorsOf(runs().odd);
     for (const auto& test : tests)
         EXPECT_EQ(divisors[test.function], split(test.divisors, ' ')) << test.function;
+}
+
+// The parameters as the console shows them, with strokes for blanks: suites that walk a table of their own go
+// through all of it, but for the first row of texture blocks and the last one of the coders.
+TEST(Suites, WalkTheirTables)
+{
+    static const struct {
+        const char *function, *parameters;
+    } tests[] = {
+        {"qoviPCTFwd_HDP_32s_C1IR",
+         "srcDstStep={256,512,1024,2048}_roiSize=8x8 srcDstStep={256,512,1024,2048}_roiSize=64x64 "
+         "srcDstStep={512,1024,2048}_roiSize=128x128 srcDstStep=1024_roiSize=256x256 "
+         "srcDstStep=2048_roiSize=512x512 srcDstStep=4096_roiSize=1024x1024"},
+        {"qoviPCTFwd8x16_HDP_32s_C1IR", "srcDstStep={256,512,1024,2048}"},
+        {"qoviPCTInv_JPEGXR_32f_C1IR",
+         "srcDstStep=128_roiSize=32x16 srcDstStep=256_roiSize=64x16 srcDstStep=512_roiSize=128x16 "
+         "srcDstStep=1024_roiSize=256x16 srcDstStep=2048_roiSize=512x16 srcDstStep=4096_roiSize=1024x16 "
+         "srcDstStep=8192_roiSize=2048x16 srcDstStep=16384_roiSize=4096x16 "
+         "srcDstStep=132_roiSize=32x16 srcDstStep=260_roiSize=64x16 srcDstStep=516_roiSize=128x16 "
+         "srcDstStep=1028_roiSize=256x16 srcDstStep=2052_roiSize=512x16 srcDstStep=4100_roiSize=1024x16 "
+         "srcDstStep=8196_roiSize=2048x16 srcDstStep=16388_roiSize=4096x16"},
+        {"qoviPCTInv8x8_JPEGXR_16s_C1IR",
+         "srcDstStep={32,128,256,512,1024,2048,4096,8192,34,130,258,514,1026,2050,4098,8194}"},
+        {"qoviVLCEncodeDC420_JPEGXR_32s1u", "iVectorSize={48,240,480,2400,4800}"},
+        {"qoviTextureEncodeBlock_BC4_8u_C1R",
+         "srcDstStep={256,512,1024,2048}___roiSize=8x8 srcDstStep={256,512,1024,2048}___roiSize=64x64 "
+         "srcDstStep={512,1024,2048}___roiSize=128x128 srcDstStep=1024___roiSize=256x256 "
+         "srcDstStep=2048___roiSize=512x512"},
+    };
+    std::map<std::string, Cells> shown;
+    std::string function;
+    for (std::string line : linesOf(runs().odd.out())) {
+        const Cells title = matchOf(line, "^\\| Function  : ([^ ]+) ");
+        if (!title.empty()) function = title[1];
+        std::replace(line.begin(), line.end(), ' ', '_');
+        if (line.starts_with("srcDstStep=") || line.starts_with("iVectorSize="))
+            shown[function].push_back(line);
+    }
+    for (const auto& test : tests)
+        EXPECT_EQ(shown[test.function], expanded(test.parameters)) << test.function;
 }
 
 // The listings of both runs, without the blocks' addresses, which no listing names.

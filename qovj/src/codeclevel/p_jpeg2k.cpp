@@ -144,8 +144,8 @@ public:
 
     void parmsToOstrm() override
     {
-        g_ostrm << "encoder: " << encoderCmdLine;
-        if (!decoderCmdLine.empty()) g_ostrm << "\ndecoder: " << decoderCmdLine;
+        g_ostrm << "encoder:" << encoderCmdLine;
+        if (!decoderCmdLine.empty()) g_ostrm << "\ndecoder:" << decoderCmdLine;
     }
 
     void parmsToCstrm() override
@@ -162,9 +162,7 @@ private:
     template <class Parm>
     bool registerParm(Parm& parm, const char* name)
     {
-        for (const qkParameter* known : m_parms) {
-            if (known == &parm) return false;
-        }
+        if (qkContains<qkParameter*>(m_parms, &parm)) return false;
         m_parms.append(&parm);
         parm.reset();
         parm.setName(name, "");
