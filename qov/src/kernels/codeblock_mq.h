@@ -17,7 +17,7 @@ struct MqCoder {
     Qov32u* contexts; // words of mqStates
 
     // INITENC. The byte before the first one is not FF and gets no carry: C begins with 12 bits to spare.
-    __attribute__((always_inline)) void begin(Qov8u* first)
+    QOV_INLINE_MEMBER void begin(Qov8u* first)
     {
         a = 0x8000;
         c = 0;
@@ -27,7 +27,7 @@ struct MqCoder {
 
     // ENCODE, without a branch on what is coded: at low bit planes decisions are as good as random. Nor do
     // compilers find one in masks, as they would in choices.
-    __attribute__((always_inline)) void code(Qov32u context, Qov32u decision)
+    QOV_INLINE_MEMBER void code(Qov32u context, Qov32u decision)
     {
         const Qov32u state = contexts[context];
         const Qov32u qe = state & 0xFFFF;
@@ -46,7 +46,7 @@ struct MqCoder {
     }
 
     // `count` decisions 0, likely ones: those that only shorten the interval go fast.
-    __attribute__((always_inline)) void codeZeros(Qov32u context, int count)
+    QOV_INLINE_MEMBER void codeZeros(Qov32u context, int count)
     {
         while (count) {
             const Qov32u state = contexts[context], qe = state & 0xFFFF;
@@ -62,7 +62,7 @@ struct MqCoder {
     }
 
     // BYTEOUT.
-    __attribute__((always_inline)) void byteOut()
+    QOV_INLINE_MEMBER void byteOut()
     {
         if (__builtin_expect(*last != 0xFF, true)) {
             *last = Qov8u(*last + (c >> 27));
@@ -75,7 +75,7 @@ struct MqCoder {
     }
 
 private:
-    __attribute__((always_inline)) void advance(int shift)
+    QOV_INLINE_MEMBER void advance(int shift)
     {
         while (__builtin_expect(shift >= ct, false)) {
             c <<= ct;
@@ -95,14 +95,14 @@ struct RawCoder {
     Qov32u byte;
     int room; // bits free in the byte
 
-    __attribute__((always_inline)) void begin(Qov8u* first)
+    QOV_INLINE_MEMBER void begin(Qov8u* first)
     {
         next = first;
         byte = 0;
         room = 8;
     }
 
-    __attribute__((always_inline)) void put(Qov32u bit)
+    QOV_INLINE_MEMBER void put(Qov32u bit)
     {
         byte |= bit << --room;
         if (room) return;

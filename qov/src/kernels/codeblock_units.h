@@ -103,7 +103,7 @@ struct UnitBytes {
 struct UnitSamples {
     __m256i rows[EncodeCBState::unitRows];
 
-    __attribute__((always_inline)) UnitSamples(const Qov32s* src, ptrdiff_t step, int width, int height)
+    QOV_INLINE_MEMBER UnitSamples(const Qov32s* src, ptrdiff_t step, int width, int height)
     {
         const __m256i places = _mm256_setr_epi32(0, 1, 2, 3, 4, 5, 6, 7);
         const __m256i inside = _mm256_cmpgt_epi32(_mm256_set1_epi32(width), places);
@@ -113,7 +113,7 @@ struct UnitSamples {
     }
 
     // Byte number `index` of the samples, 3 the highest.
-    __attribute__((always_inline)) UnitBytes byte(int index) const
+    QOV_INLINE_MEMBER UnitBytes byte(int index) const
     {
         const __m128i down = _mm_cvtsi32_si128(8 * index);
         const __m256i low = _mm256_set1_epi32(0xFF);
@@ -141,7 +141,7 @@ struct UnitBytes {
 struct UnitSamples {
     Qov32u samples[EncodeCBState::unitColumns * EncodeCBState::unitRows];
 
-    __attribute__((always_inline)) UnitSamples(const Qov32s* src, ptrdiff_t step, int width, int height)
+    QOV_INLINE_MEMBER UnitSamples(const Qov32s* src, ptrdiff_t step, int width, int height)
     {
         memset(samples, 0, sizeof samples);
         for (int y = 0; y < height; y++) {
@@ -150,7 +150,7 @@ struct UnitSamples {
         }
     }
 
-    __attribute__((always_inline)) UnitBytes byte(int index) const
+    QOV_INLINE_MEMBER UnitBytes byte(int index) const
     {
         UnitBytes unit;
         for (int i = 0; i < EncodeCBState::unitColumns / 2; i++) {

@@ -30,7 +30,7 @@ struct MqDecoder {
     } * input;
 
     // INITDEC. Byte 0 goes to bits 7 to 14 of Chigh.
-    __attribute__((always_inline)) void begin(const Qov8u* src, int length)
+    QOV_INLINE_MEMBER void begin(const Qov8u* src, int length)
     {
         a = Qov64u(0x8000) << 48;
         c = 0;
@@ -41,10 +41,10 @@ struct MqDecoder {
 
     // DECODE, without a branch on what is decoded: at low bit planes decisions are as good as random, and
     // what depends on them is best the only branch that fails.
-    __attribute__((always_inline)) Qov32u decode(Qov32u context) { return decodeWith(contexts[context]); }
+    QOV_INLINE_MEMBER Qov32u decode(Qov32u context) { return decodeWith(contexts[context]); }
 
     // The same; a context whose state is in a register.
-    __attribute__((always_inline)) Qov32u decodeWith(Qov32u& context)
+    QOV_INLINE_MEMBER Qov32u decodeWith(Qov32u& context)
     {
         const Qov32u state = context;
         const Qov64u qe = Qov64u(state) << 48, rest = a - qe;
@@ -63,7 +63,7 @@ struct MqDecoder {
     }
 
     // The same for a decision that is likely 0 and only shortens the interval.
-    __attribute__((always_inline)) Qov32u decodeRare(Qov32u context)
+    QOV_INLINE_MEMBER Qov32u decodeRare(Qov32u context)
     {
         const Qov32u state = contexts[context];
         const Qov64u qe = Qov64u(state) << 48, rest = a - qe;
@@ -115,7 +115,7 @@ private:
         return filled;
     }
 
-    __attribute__((always_inline)) void refill()
+    QOV_INLINE_MEMBER void refill()
     {
         Input& in = *input;
         if (__builtin_expect(in.end - in.next >= 8, true)) {
@@ -147,7 +147,7 @@ struct RawDecoder {
     int left; // bits of the byte
     int fill; // bytes behind the end
 
-    __attribute__((always_inline)) void begin(const Qov8u* src, int length)
+    QOV_INLINE_MEMBER void begin(const Qov8u* src, int length)
     {
         next = src;
         end = src + length;
@@ -155,7 +155,7 @@ struct RawDecoder {
         left = fill = 0;
     }
 
-    __attribute__((always_inline)) Qov32u get()
+    QOV_INLINE_MEMBER Qov32u get()
     {
         if (left == 0) {
             const bool ones = next == end;

@@ -39,7 +39,7 @@ QOV_INLINE Qov32u samplesOfWord(Qov64u word)
 struct UnitsAround {
     Qov32u above[3], own[3], below[3];
 
-    __attribute__((always_inline)) Qov64u word() const
+    QOV_INLINE_MEMBER Qov64u word() const
     {
         const Qov64u corners = above[0] >> 31 | Qov64u(above[2] & 8) << 51 | (below[0] >> 28 & 1) << 5 |
                                Qov64u(below[2] & 1) << 59;
@@ -58,7 +58,7 @@ struct UnitVisit {
     bool hasLeft, hasRight;
 
     template <LooseWord DecodeCBUnit::*Word>
-    __attribute__((always_inline)) UnitsAround around() const
+    QOV_INLINE_MEMBER UnitsAround around() const
     {
         UnitsAround units;
         units.above[1] = (above->*Word).value;

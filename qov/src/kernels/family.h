@@ -9,8 +9,9 @@
 #include <assert.h>
 #include <stddef.h>
 
-// Helpers of the kernel headers: internal to each unit, and never a call.
+// Helpers of the kernel headers, functions and members: internal to each unit, and never a call.
 #define QOV_INLINE static inline __attribute__((always_inline))
+#define QOV_INLINE_MEMBER inline __attribute__((always_inline))
 
 // Declares the object of a family at each level; to be used inside namespace qov.
 // clang-format off

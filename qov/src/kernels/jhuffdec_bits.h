@@ -54,7 +54,7 @@ struct BitReader {
     HuffDecState* state;
     int* marker;
 
-    __attribute__((always_inline))
+    QOV_INLINE_MEMBER
     BitReader(const Qov8u* data, int dataLen, int position, HuffDecState* s, int* m)
         : bits(s->bits), count(s->count), pos(position), lastFast(s->marker ? -1 : dataLen - 8), src(data),
           srcLen(dataLen), state(s), marker(m)
@@ -62,7 +62,7 @@ struct BitReader {
     }
 
     // At least 56 bits, unless the data end before.
-    __attribute__((always_inline)) void refill()
+    QOV_INLINE_MEMBER void refill()
     {
         if (pos <= lastFast) {
             Qov64u x;
@@ -82,20 +82,20 @@ struct BitReader {
         if (state->marker) lastFast = -1;
     }
 
-    __attribute__((always_inline)) bool dry() const { return count < 0; }
-    __attribute__((always_inline)) void skip(Qov32u n) // n below 64
+    QOV_INLINE_MEMBER bool dry() const { return count < 0; }
+    QOV_INLINE_MEMBER void skip(Qov32u n) // n below 64
     {
         bits <<= n & 63;
         count -= int(n);
     }
-    __attribute__((always_inline)) Qov32u take(int n) // 0 to 16 bits
+    QOV_INLINE_MEMBER Qov32u take(int n) // 0 to 16 bits
     {
         const Qov32u value = Qov32u((bits >> 1) >> (63 - n));
         skip(Qov32u(n));
         return value;
     }
     // 0 to 63 bits, of which 32 at least are there if the data have not ended.
-    __attribute__((always_inline)) Qov64u takeMany(int n)
+    QOV_INLINE_MEMBER Qov64u takeMany(int n)
     {
         Qov64u high = 0;
         if (n > 32) {
@@ -109,19 +109,19 @@ struct BitReader {
         return high << n | low;
     }
     // The value of a size of 1 to 16 (F.2.2.1, EXTEND).
-    __attribute__((always_inline)) int takeValue(int size)
+    QOV_INLINE_MEMBER int takeValue(int size)
     {
         const int low = int(~bits >> 63); // the first bit is 0: a negative value
         return int(take(size)) - (low << size) + low;
     }
 
-    __attribute__((always_inline)) void keep(int* position) const
+    QOV_INLINE_MEMBER void keep(int* position) const
     {
         *position = pos;
         state->bits = bits;
         state->count = count;
     }
-    __attribute__((always_inline)) QovStatus runDry(int* position) const
+    QOV_INLINE_MEMBER QovStatus runDry(int* position) const
     {
         *position = pos;
         state->bits = 0;

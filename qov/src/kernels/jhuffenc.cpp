@@ -27,14 +27,13 @@ struct Coder {
     const HuffEncSpec* spec;
     HuffEncState* state;
 
-    __attribute__((always_inline)) void symbol(Qov32u symbol, Qov32u bits = 0, int size = 0)
+    QOV_INLINE_MEMBER void symbol(Qov32u symbol, Qov32u bits = 0, int size = 0)
     {
         out.putSymbol(spec, symbol, bits, Qov32u(size));
     }
 
     // Behind distance - 1 zeros. `bits` has the magnitude's bits, inverted of a negative one, at its low end.
-    __attribute__((always_inline)) void coefficient(Qov64u distance, Qov64u magnitude, Qov64u bits,
-                                                    bool flush)
+    QOV_INLINE_MEMBER void coefficient(Qov64u distance, Qov64u magnitude, Qov64u bits, bool flush)
     {
         const Qov64u zeros = leadingZeros(magnitude);
         const HuffEncCode& code = spec->coefficients[distance * 16 + zeros - 64];
@@ -43,16 +42,13 @@ struct Coder {
     }
 
     // A coefficient that becomes non-zero, then the lowest bits of the magnitudes at the places `of`.
-    __attribute__((always_inline)) void newCoefficient(int run, bool positive, Places odd, Places of)
+    QOV_INLINE_MEMBER void newCoefficient(int run, bool positive, Places odd, Places of)
     {
         correctedSymbol(Qov32u(run) << 4 | 1, positive, 1, odd, of);
     }
-    __attribute__((always_inline)) void zeroRun(Places odd, Places of)
-    {
-        correctedSymbol(zeroRun16, 0, 0, odd, of);
-    }
+    QOV_INLINE_MEMBER void zeroRun(Places odd, Places of) { correctedSymbol(zeroRun16, 0, 0, odd, of); }
 
-    __attribute__((always_inline)) void storedCorrections()
+    QOV_INLINE_MEMBER void storedCorrections()
     {
         const int count = int(state->correctionCount);
         for (int i = 0; i < count; i += 24) {
@@ -64,8 +60,7 @@ struct Coder {
     }
 
 private:
-    __attribute__((always_inline)) void correctedSymbol(Qov32u symbol, Qov64u value, Qov32u length,
-                                                        Places odd, Places of)
+    QOV_INLINE_MEMBER void correctedSymbol(Qov32u symbol, Qov64u value, Qov32u length, Places odd, Places of)
     {
         const Places bits = pick(odd, of);
         const Qov32u count = Qov32u(countOf(of));
@@ -85,22 +80,19 @@ struct Counter {
     int* counts;
     HuffEncState* state;
 
-    __attribute__((always_inline)) void symbol(Qov32u symbol, Qov32u = 0, int = 0)
+    QOV_INLINE_MEMBER void symbol(Qov32u symbol, Qov32u = 0, int = 0)
     {
         counts[symbol] = int(Qov32u(counts[symbol]) + 1);
     }
-    __attribute__((always_inline)) void coefficient(Qov64u distance, Qov64u magnitude, Qov64u, bool)
+    QOV_INLINE_MEMBER void coefficient(Qov64u distance, Qov64u magnitude, Qov64u, bool)
     {
         const Qov64u size = 64 - leadingZeros(magnitude);
         if (size == 16) return; // the coding pass refuses it
         symbol(Qov32u(distance * 16 - 16 + size));
     }
-    __attribute__((always_inline)) void newCoefficient(int run, bool, Places, Places)
-    {
-        symbol(Qov32u(run) << 4 | 1);
-    }
-    __attribute__((always_inline)) void zeroRun(Places, Places) { symbol(zeroRun16); }
-    __attribute__((always_inline)) void storedCorrections() {}
+    QOV_INLINE_MEMBER void newCoefficient(int run, bool, Places, Places) { symbol(Qov32u(run) << 4 | 1); }
+    QOV_INLINE_MEMBER void zeroRun(Places, Places) { symbol(zeroRun16); }
+    QOV_INLINE_MEMBER void storedCorrections() {}
 };
 
 // Walks over the coefficients at `places`, of which there are some, from behind place `last`; gives the last
@@ -271,7 +263,7 @@ struct Refinement {
     RefinedPlaces places;
     Places rest; // the band, as far as it is not coded yet
 
-    __attribute__((always_inline)) Refinement(const Qov16s* src, int ss, int se, int al)
+    QOV_INLINE_MEMBER Refinement(const Qov16s* src, int ss, int se, int al)
         : places(refinedPlaces(src, al)), rest(~Places(0) >> ss & ~Places(0) << (63 - se))
     {
         places.ones &= rest;

@@ -28,12 +28,12 @@ struct BitWriter {
     Qov64u someFF; // bit 7 of a byte is set if an FF may have been written
     bool lacking;  // a code does not exist: nothing that was put is of use
 
-    __attribute__((always_inline)) BitWriter(const HuffEncState* state, Qov8u* start)
+    QOV_INLINE_MEMBER BitWriter(const HuffEncState* state, Qov8u* start)
         : bits(state->bits), count(state->count), next(start), someFF(0), lacking(false)
     {
     }
 
-    __attribute__((always_inline)) void flush()
+    QOV_INLINE_MEMBER void flush()
     {
         const Qov64u word = bits << (-count & 63);
         const Qov64u ones = 0x0101010101010101;
@@ -44,12 +44,12 @@ struct BitWriter {
     }
 
     // The low `length` bits of value, whose other bits are 0: up to 31, of a code and what stands behind it.
-    __attribute__((always_inline)) void put(Qov64u value, Qov32u length)
+    QOV_INLINE_MEMBER void put(Qov64u value, Qov32u length)
     {
         append(value, length);
         if (__builtin_expect(count > 64 - 31, false)) settle();
     }
-    __attribute__((always_inline)) void putAndFlush(Qov64u value, Qov32u length)
+    QOV_INLINE_MEMBER void putAndFlush(Qov64u value, Qov32u length)
     {
         append(value, length);
         if (__builtin_expect(count > 64, false)) settle();
@@ -57,20 +57,20 @@ struct BitWriter {
     }
 
     // A symbol of a table, then `length` bits.
-    __attribute__((always_inline)) void putSymbol(const HuffEncSpec* spec, Qov32u symbol, Qov64u value = 0,
-                                                  Qov32u length = 0)
+    QOV_INLINE_MEMBER void putSymbol(const HuffEncSpec* spec, Qov32u symbol, Qov64u value = 0,
+                                     Qov32u length = 0)
     {
         const HuffEncCode& code = spec->symbols[symbol];
         put(Qov64u(code.bits) << length | value, code.length + length);
     }
 
 private:
-    __attribute__((always_inline)) void append(Qov64u value, Qov32u length)
+    QOV_INLINE_MEMBER void append(Qov64u value, Qov32u length)
     {
         bits = bits << (length & 63) | value;
         count += length;
     }
-    __attribute__((always_inline)) void settle()
+    QOV_INLINE_MEMBER void settle()
     {
         lacking |= count >= HuffEncCode::none;
         if (lacking) count = 0;

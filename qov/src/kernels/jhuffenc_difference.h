@@ -23,13 +23,8 @@ QOV_INLINE int sizeOf(int magnitude)
 struct Difference {
     int value, category;
 
-    __attribute__((always_inline)) explicit Difference(int d) : value(d), category(sizeOf(__builtin_abs(d)))
-    {
-    }
-    __attribute__((always_inline)) Qov32u bits(int size) const
-    {
-        return lowBits(Qov32u(value + (value >> 31)), size);
-    }
+    QOV_INLINE_MEMBER explicit Difference(int d) : value(d), category(sizeOf(__builtin_abs(d))) {}
+    QOV_INLINE_MEMBER Qov32u bits(int size) const { return lowBits(Qov32u(value + (value >> 31)), size); }
 };
 
 // At most 31 bits; -32768 stands for 32768.

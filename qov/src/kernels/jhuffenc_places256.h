@@ -25,7 +25,7 @@ QOV_INLINE W shiftMagnitude(W a, int n)
 
 class Coefficients {
 public:
-    __attribute__((always_inline)) Coefficients(const Qov16s* src, int al)
+    QOV_INLINE_MEMBER Coefficients(const Qov16s* src, int al)
     {
         const W zero = all16(0);
         W zeros[4];

@@ -9,7 +9,7 @@ namespace {
 
 class Coefficients {
 public:
-    __attribute__((always_inline)) Coefficients(const Qov16s* src, int al)
+    QOV_INLINE_MEMBER Coefficients(const Qov16s* src, int al)
     {
         const Words c = inZigzag<false>(src);
         const __m128i shift = _mm_cvtsi32_si128(al);

@@ -19,7 +19,7 @@ const int endOfPositions = INT_MAX / 8;
 // Takes bytes from the stream one by one, when a code cannot be told without them.
 class DirectReader {
 public:
-    __attribute__((always_inline))
+    QOV_INLINE_MEMBER
     DirectReader(const Qov8u* src, int bitPos, Qov32u prefetched, int count, int* marker)
         : m_src(src), m_marker(marker), m_bits(Qov64u(prefetched) << 32 << (32 - count)), m_count(count),
           m_byte(bitPos / 8), m_used(bitPos % 8)
@@ -28,7 +28,7 @@ public:
 
     // The entry of the next code (HuffDecSpec::look), or noCode, which has no value to look at; it is passed.
     // False: the stream ends before.
-    __attribute__((always_inline)) bool takeCode(const HuffDecSpec* spec, Qov32u& entry)
+    QOV_INLINE_MEMBER bool takeCode(const HuffDecSpec* spec, Qov32u& entry)
     {
         // Zeros stand behind the bits there are. What an entry says of the first bits of these does not
         // depend on them.
@@ -39,7 +39,7 @@ public:
     }
 
     // The value of a size of 1 to 15 (F.2.2.1, EXTEND).
-    __attribute__((always_inline)) bool takeValue(int size, int& value)
+    QOV_INLINE_MEMBER bool takeValue(int size, int& value)
     {
         while (size > m_count)
             if (!takeByte()) return false;
@@ -49,7 +49,7 @@ public:
         return true;
     }
 
-    __attribute__((always_inline)) void keep(int* bitPos, Qov32u* prefetched, int* count) const
+    QOV_INLINE_MEMBER void keep(int* bitPos, Qov32u* prefetched, int* count) const
     {
         *bitPos = m_byte * 8 + m_used;
         *prefetched = Qov32u(m_bits >> 32 >> (32 - m_count));
@@ -63,12 +63,12 @@ public:
     }
 
 private:
-    __attribute__((always_inline)) Qov32u entryOf(const HuffDecSpec* spec) const
+    QOV_INLINE_MEMBER Qov32u entryOf(const HuffDecSpec* spec) const
     {
         const Qov32u entry = spec->look[m_bits >> (64 - HuffDecSpec::window)];
         return lengthOf(entry) == 0 ? longCode(spec, m_bits) : entry;
     }
-    __attribute__((always_inline)) void skip(int n) // n below 64
+    QOV_INLINE_MEMBER void skip(int n) // n below 64
     {
         m_bits <<= n;
         m_count -= n;
@@ -76,7 +76,7 @@ private:
 
     // With up to 38 bits there; what is left of the byte if the first bits of it are passed. False: a marker,
     // or the end of the positions.
-    __attribute__((always_inline)) bool takeByte()
+    QOV_INLINE_MEMBER bool takeByte()
     {
         if (m_byte >= endOfPositions) return false;
         const Qov8u byte = m_src[m_byte];

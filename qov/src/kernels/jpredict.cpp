@@ -6,8 +6,6 @@
 namespace qov::QOV_LEVEL {
 namespace {
 
-#define QOV_INLINE_MEMBER inline __attribute__((always_inline))
-
 #if defined(QOV_SIMD256)
 #if defined(__AVX2__)
 QOV_W_OP2(W, notFirstAnd, andnot_si256)

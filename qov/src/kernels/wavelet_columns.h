@@ -4,7 +4,6 @@
 #define QOV_KERNELS_WAVELET_COLUMNS_H
 
 #include "wavelet_transforms.h"
-#include "wavelet_words.h"
 
 namespace qov::QOV_LEVEL {
 namespace {
@@ -236,14 +235,14 @@ struct Lift53 {
         V first, second;
     };
     template <class V>
-    inline Result<V> take(ptrdiff_t x) const
+    QOV_INLINE_MEMBER Result<V> take(ptrdiff_t x) const
     {
         const V a = get<V>(before + x), b = get<V>(behind + x);
         const V lifted = Filter::template lift<0>(get<V>(target + x), a, b);
         return {lifted, Filter::template lift<1>(a, get<V>(earlier + x), lifted)};
     }
     template <class V>
-    inline void write(ptrdiff_t x, Result<V> result) const
+    QOV_INLINE_MEMBER void write(ptrdiff_t x, Result<V> result) const
     {
         put(first + x, result.first);
         put(second + x, result.second);
@@ -283,46 +282,57 @@ struct Lift97 {
     const T* oldest;
 
     template <class V>
-    struct Result {
-        V row[4];
+    struct Samples {
+        V row[6]; // from the newest to the oldest
     };
     template <class V>
-    inline Result<V> take(ptrdiff_t x) const
+    QOV_INLINE_MEMBER Samples<V> samples(ptrdiff_t x) const
     {
-        Result<V> r;
-        const V next[4] = {fetch(row[1] + x, V()), fetch(row[2] + x, V()), fetch(row[3] + x, V()),
-                           fetch(oldest + x, V())};
-        r.row[0] = lifted<0>(fetch(row[0] + x, V()), fetch(newest + x, V()), next[0]);
-        r.row[1] = lifted<1>(next[0], r.row[0], next[1]);
-        r.row[2] = lifted<2>(next[1], r.row[1], next[2]);
-        r.row[3] = lifted<3>(next[2], r.row[2], next[3]);
-        return r;
+        return {{fetch(newest + x, V()), fetch(row[0] + x, V()), fetch(row[1] + x, V()),
+                 fetch(row[2] + x, V()), fetch(row[3] + x, V()), fetch(oldest + x, V())}};
     }
-    template <int step, class V>
-    static inline V lifted(V target, V before, V behind)
+    template <int step = 0, class V>
+    QOV_INLINE void lift(Samples<V>& s)
     {
-        return saturated<T>(Filter::template lift<step>(target, before, behind));
+        if constexpr (step < 4) {
+            V& target = s.row[1 + step];
+            target = saturated<T>(Filter::template lift<step>(target, s.row[step], s.row[step + 2]));
+            lift<step + 1>(s);
+        }
+    }
+
+    template <class V>
+    QOV_INLINE_MEMBER Samples<V> take(ptrdiff_t x) const
+    {
+        Samples<V> s = samples<V>(x);
+        lift(s);
+        return s;
     }
     template <class V>
-    inline void write(ptrdiff_t x, const Result<V>& result) const
+    QOV_INLINE_MEMBER void write(ptrdiff_t x, const Samples<V>& s) const
     {
-        for (int i = 0; i < 4; i++) keep(row[i] + x, result.row[i]);
+        for (int i = 0; i < 4; i++) keep(row[i] + x, s.row[1 + i]);
+    }
+    Lift97 from(ptrdiff_t x) const
+    {
+        return {newest + x, {row[0] + x, row[1] + x, row[2] + x, row[3] + x}, oldest + x};
     }
 };
 
-template <class Filter, class T>
-inline void lift97(const Lift97<Filter, T>& rows, ptrdiff_t width)
-{
-    forElements<typename Lifted<Filter, T>::Vector, typename Lifted<Filter, T>::Number>(rows, width);
-}
 #if defined(QOV_SIMD256)
 template <class Filter>
-inline void lift97(const Lift97<Filter, Qov16s>& rows, ptrdiff_t width)
+inline __attribute__((flatten)) void liftAny97(const Lift97<Filter, Qov16s> rows, ptrdiff_t width)
 {
-    forElements<Vector16s, Qov64s>(rows, width);
+    forElements<SaturatedWords, Qov64s>(rows, width);
+}
+inline bool areWords(const Qov32s* row, ptrdiff_t width)
+{
+    Range<Vector32s> range;
+    range.addRow(row, width);
+    return range.within(largestWord);
 }
 template <class Filter>
-inline void lift97(const Lift97<Filter, Qov32s>& rows, ptrdiff_t width)
+inline __attribute__((flatten)) void liftAny97(const Lift97<Filter, Qov32s> rows, ptrdiff_t width)
 {
     bool words = width >= Holds<Vector32s>::count && areWords(rows.newest, width);
     for (const Qov32s* row : rows.row) words = words && areWords(row, width);
@@ -331,7 +341,57 @@ inline void lift97(const Lift97<Filter, Qov32s>& rows, ptrdiff_t width)
     else
         forElements<Doubles, Qov64s>(rows, width);
 }
+
+template <class V>
+QOV_INLINE bool areSmall97(const V (&v)[6])
+{
+    Range<V> range;
+    range.add(v);
+    return range.within(largestSmall97);
+}
+// A vector at a time from x on, as long as the numbers are small; where that ends.
+template <class Filter, class T>
+inline ptrdiff_t liftSmall97(const Lift97<Filter, T> rows, ptrdiff_t x, ptrdiff_t end)
+{
+    for (; x < end; x += Holds<Vector16s>::count) {
+        auto samples = rows.template samples<Vector16s>(x);
+        if (!areSmall97(samples.row)) return x;
+        rows.lift(samples);
+        rows.write(x, samples);
+    }
+    return x;
+}
+// Where numbers are not small, the next part of the rows goes in wider ones. The last vector ends with the
+// rows, and is read before anything is written.
+template <class Filter, class T>
+inline void liftWhole97(const Lift97<Filter, T>& rows, ptrdiff_t width)
+{
+    constexpr ptrdiff_t atOnce = Holds<Vector16s>::count, part = 32 * atOnce;
+    const ptrdiff_t last = width - atOnce;
+    if (last < 0) return liftAny97(rows, width);
+    auto end = rows.template samples<Vector16s>(last);
+    ptrdiff_t x = 0;
+    while ((x = liftSmall97(rows, x, last)) < last) {
+        const ptrdiff_t count = width - x < part ? width - x : part;
+        liftAny97(rows.from(x), count);
+        x += count;
+    }
+    if (x >= width) return;
+    if (!areSmall97(end.row)) return liftAny97(rows.from(x), width - x);
+    rows.lift(end);
+    rows.write(last, end);
+}
 #endif
+
+template <class Filter, class T>
+inline void lift97(const Lift97<Filter, T>& rows, ptrdiff_t width)
+{
+    typedef Lifted<Filter, T> In;
+#if defined(QOV_SIMD256)
+    if constexpr (In::mayBeNarrower) return liftWhole97(rows, width);
+#endif
+    forElements<typename In::Vector, typename In::Number>(rows, width);
+}
 
 template <class T>
 void forward97(const T* low0, T* high0, T* low1, T* high1, T* low2, const T* high2, ptrdiff_t width)

@@ -24,7 +24,7 @@ struct B53Forward {
     static constexpr int steps = 2;
 
     template <int step, class V>
-    static inline V lift(V target, V before, V behind)
+    QOV_INLINE V lift(V target, V before, V behind)
     {
         if constexpr (step == 0)
             return subtract(target, halfOfSum(before, behind));
@@ -32,7 +32,7 @@ struct B53Forward {
             return add(target, roundedQuarterOfSum(before, behind));
     }
     template <class V>
-    static inline void finish(V&, V&)
+    QOV_INLINE void finish(V&, V&)
     {
     }
 };
@@ -41,7 +41,7 @@ struct B53Inverse {
     static constexpr int steps = 2;
 
     template <int step, class V>
-    static inline V lift(V target, V before, V behind)
+    QOV_INLINE V lift(V target, V before, V behind)
     {
         if constexpr (step == 0)
             return subtract(target, roundedQuarterOfSum(before, behind));
@@ -49,7 +49,7 @@ struct B53Inverse {
             return add(target, halfOfSum(before, behind));
     }
     template <class V>
-    static inline void prepare(V&, V&)
+    QOV_INLINE void prepare(V&, V&)
     {
     }
 };
@@ -81,106 +81,106 @@ constexpr Constant97 scale97 = {1.230174105f, 80621};
 constexpr Constant97 inverseScale97 = {float(1 / 1.230174105), 53274};
 
 // constant * v, target + constant * v and target - constant * v.
-inline Qov32f product(const Constant97& c, Qov32f v)
+QOV_INLINE Qov32f product(const Constant97& c, Qov32f v)
 {
     return c.number * v;
 }
-inline Qov64s product(const Constant97& c, Qov64s v)
+QOV_INLINE Qov64s product(const Constant97& c, Qov64s v)
 {
     return (c.in65536 * v + 0x8000) >> 16;
 }
-inline Qov64s addProduct(Qov64s target, const Constant97& c, Qov64s v)
+QOV_INLINE Qov64s addProduct(Qov64s target, const Constant97& c, Qov64s v)
 {
     return target + product(c, v);
 }
-inline Qov64s subtractProduct(Qov64s target, const Constant97& c, Qov64s v)
+QOV_INLINE Qov64s subtractProduct(Qov64s target, const Constant97& c, Qov64s v)
 {
     return target - product(c, v);
 }
 #if defined(__FMA__)
-inline Qov32f addProduct(Qov32f target, const Constant97& c, Qov32f v)
+QOV_INLINE Qov32f addProduct(Qov32f target, const Constant97& c, Qov32f v)
 {
     return __builtin_fmaf(c.number, v, target);
 }
-inline Qov32f subtractProduct(Qov32f target, const Constant97& c, Qov32f v)
+QOV_INLINE Qov32f subtractProduct(Qov32f target, const Constant97& c, Qov32f v)
 {
     return __builtin_fmaf(-c.number, v, target);
 }
 #else
-inline Qov32f addProduct(Qov32f target, const Constant97& c, Qov32f v)
+QOV_INLINE Qov32f addProduct(Qov32f target, const Constant97& c, Qov32f v)
 {
     return target + c.number * v;
 }
-inline Qov32f subtractProduct(Qov32f target, const Constant97& c, Qov32f v)
+QOV_INLINE Qov32f subtractProduct(Qov32f target, const Constant97& c, Qov32f v)
 {
     return target - c.number * v;
 }
 #endif
 
 #if defined(QOV_SIMD256)
-inline Vector32f product(const Constant97& c, Vector32f v)
+QOV_INLINE Vector32f product(const Constant97& c, Vector32f v)
 {
     return c.number * v;
 }
 #if defined(__FMA__)
-inline Vector32f addProduct(Vector32f target, const Constant97& c, Vector32f v)
+QOV_INLINE Vector32f addProduct(Vector32f target, const Constant97& c, Vector32f v)
 {
     return _mm256_fmadd_ps(_mm256_set1_ps(c.number), v, target);
 }
-inline Vector32f subtractProduct(Vector32f target, const Constant97& c, Vector32f v)
+QOV_INLINE Vector32f subtractProduct(Vector32f target, const Constant97& c, Vector32f v)
 {
     return _mm256_fnmadd_ps(_mm256_set1_ps(c.number), v, target);
 }
-inline Doubles product(const Constant97& c, Doubles v)
+QOV_INLINE Doubles product(const Constant97& c, Doubles v)
 {
     const Doubles exact = _mm256_fmadd_pd(_mm256_set1_pd(c.in65536 / 65536.), v, _mm256_set1_pd(0.5));
     return _mm256_round_pd(exact, _MM_FROUND_TO_NEG_INF | _MM_FROUND_NO_EXC);
 }
 #else
-inline Vector32f addProduct(Vector32f target, const Constant97& c, Vector32f v)
+QOV_INLINE Vector32f addProduct(Vector32f target, const Constant97& c, Vector32f v)
 {
     return target + c.number * v;
 }
-inline Vector32f subtractProduct(Vector32f target, const Constant97& c, Vector32f v)
+QOV_INLINE Vector32f subtractProduct(Vector32f target, const Constant97& c, Vector32f v)
 {
     return target - c.number * v;
 }
-inline Doubles product(const Constant97& c, Doubles v)
+QOV_INLINE Doubles product(const Constant97& c, Doubles v)
 {
     return _mm_round_pd(c.in65536 / 65536. * v + 0.5, _MM_FROUND_TO_NEG_INF | _MM_FROUND_NO_EXC);
 }
 #endif
-inline Doubles addProduct(Doubles target, const Constant97& c, Doubles v)
+QOV_INLINE Doubles addProduct(Doubles target, const Constant97& c, Doubles v)
 {
     return target + product(c, v);
 }
-inline Doubles subtractProduct(Doubles target, const Constant97& c, Doubles v)
+QOV_INLINE Doubles subtractProduct(Doubles target, const Constant97& c, Doubles v)
 {
     return target - product(c, v);
 }
 
 // Of a constant that upTo() made for such numbers. Rounding down twice is as good as once.
-inline Vector32s product(const Constant97& c, Vector32s v)
+QOV_INLINE Vector32s product(const Constant97& c, Vector32s v)
 {
     return (v * c.units + ((v * c.rest + 0x8000) >> (16 - c.halvings))) >> c.halvings;
 }
-inline Vector32s addProduct(Vector32s target, const Constant97& c, Vector32s v)
+QOV_INLINE Vector32s addProduct(Vector32s target, const Constant97& c, Vector32s v)
 {
     return target + product(c, v);
 }
-inline Vector32s subtractProduct(Vector32s target, const Constant97& c, Vector32s v)
+QOV_INLINE Vector32s subtractProduct(Vector32s target, const Constant97& c, Vector32s v)
 {
     return target - product(c, v);
 }
 #endif
 
 template <class V>
-inline V addProduct(V target, const Constant97& c, V before, V behind)
+QOV_INLINE V addProduct(V target, const Constant97& c, V before, V behind)
 {
     return addProduct(target, c, before + behind);
 }
 template <class V>
-inline V subtractProduct(V target, const Constant97& c, V before, V behind)
+QOV_INLINE V subtractProduct(V target, const Constant97& c, V before, V behind)
 {
     return subtractProduct(target, c, before + behind);
 }
@@ -192,13 +192,13 @@ struct D97Forward {
     static constexpr double sums[steps] = {2, 8.35, 2.89, 3.92}, largestLow = 1.71, largestHigh = 2.12;
 
     template <int step, class V>
-    static inline V lift(V target, V before, V behind)
+    QOV_INLINE V lift(V target, V before, V behind)
     {
         constexpr Constant97 c = lifts97[step].upTo(sums[step]);
         return addProduct(target, c, before, behind);
     }
     template <class V>
-    static inline void finish(V& low, V& high)
+    QOV_INLINE void finish(V& low, V& high)
     {
         constexpr Constant97 lowScale = inverseScale97.upTo(largestLow),
                              highScale = scale97.upTo(largestHigh);
@@ -212,13 +212,13 @@ struct D97Inverse {
     static constexpr double sums[steps] = {2, 3.91, 8.52, 3.31};
 
     template <int step, class V>
-    static inline V lift(V target, V before, V behind)
+    QOV_INLINE V lift(V target, V before, V behind)
     {
         constexpr Constant97 c = lifts97[steps - 1 - step].upTo(sums[step]);
         return subtractProduct(target, c, before, behind);
     }
     template <class V>
-    static inline void prepare(V& low, V& high)
+    QOV_INLINE void prepare(V& low, V& high)
     {
         constexpr Constant97 lowScale = scale97.upTo(1), highScale = inverseScale97.upTo(1);
         low = product(lowScale, low);
@@ -226,16 +226,20 @@ struct D97Inverse {
     }
 };
 
+// Whole numbers from ~largest to largest that D97 lifts in 32 bits, and in 16.
+constexpr int largestWord = 32767, largestSmall97 = 3840;
+static_assert(largestSmall97 * 8.52 < 32767 - 32); // with what roundings add
+
 // What elements of type T are lifted in along rows.
 template <class Filter, class T>
 struct Lifted {
     typedef T Number;
     typedef Widest<T> Vector;
-    static constexpr bool mayBeWords = false; // within 16 bits, and then lifted in 32
+    static constexpr bool mayBeNarrower = false; // if the numbers of a row allow it
 };
 struct LiftedWide {
     typedef Qov64s Number;
-    static constexpr bool mayBeWords = true;
+    static constexpr bool mayBeNarrower = true;
 #if defined(QOV_SIMD256)
     typedef Doubles Vector;
 #else
@@ -246,7 +250,6 @@ struct LiftedWords : LiftedWide {
 #if defined(QOV_SIMD256)
     typedef Vector32s Vector;
 #endif
-    static constexpr bool mayBeWords = false;
 };
 template <>
 struct Lifted<D97Forward, Qov16s> : LiftedWords {
@@ -273,18 +276,18 @@ struct Limits<Qov32s> {
     static constexpr int low = -2147483647 - 1, high = 2147483647;
 };
 template <class T, class V>
-inline V saturated(V v)
+QOV_INLINE V saturated(V v)
 {
     return v;
 }
 template <class T>
-inline Qov64s saturated(Qov64s v)
+QOV_INLINE Qov64s saturated(Qov64s v)
 {
     return v < Limits<T>::low ? Limits<T>::low : v > Limits<T>::high ? Limits<T>::high : v;
 }
 #if defined(QOV_SIMD256)
 template <class T>
-inline Doubles saturated(Doubles v)
+QOV_INLINE Doubles saturated(Doubles v)
 {
     const Doubles low = all<Doubles>(Limits<T>::low), high = all<Doubles>(Limits<T>::high);
 #if defined(__AVX2__)

@@ -2,7 +2,7 @@
 #ifndef QOV_KERNELS_WAVELET_SCALE_H
 #define QOV_KERNELS_WAVELET_SCALE_H
 
-#include "wavelet_vectors.h"
+#include "wavelet_words.h"
 
 namespace qov::QOV_LEVEL {
 namespace {
@@ -17,24 +17,48 @@ inline V scaled(const Constant97& c, V v)
 }
 
 #if defined(QOV_SIMD256)
+// v and what the constant adds to it: a factor within 16 bits.
+constexpr int beyondOne(const Constant97& c)
+{
+    return c.in65536 - 65536;
+}
+
 template <>
 struct Scaled<Qov16s> : LiftedWide {
     typedef Vector16s Vector;
 };
-// v and the rest of the product, whose factor then lies within 16 bits: its high half, rounded by the bit
-// below it.
 template <>
 inline Vector16s scaled<Qov16s>(const Constant97& c, Vector16s v)
 {
-    const Vector16s factor = all<Vector16s>(Qov16s(c.in65536 - 65536));
-    const Vector16u roundUp = (Vector16u(v) * Vector16u(factor)) >> 15;
-#if defined(__AVX2__)
-    const Vector16s high = (Vector16s)_mm256_mulhi_epi16((__m256i)v, (__m256i)factor);
-    return (Vector16s)_mm256_adds_epi16((__m256i)v, (__m256i)(high + (Vector16s)roundUp));
-#else
-    const Vector16s high = (Vector16s)_mm_mulhi_epi16((__m128i)v, (__m128i)factor);
-    return (Vector16s)_mm_adds_epi16((__m128i)v, (__m128i)(high + (Vector16s)roundUp));
-#endif
+    return addSaturated(v, partOf(v, beyondOne(c)));
+}
+
+// The numbers whose products are the limits: those beyond them take their place.
+constexpr int leastProduct = -1745667858, largestProduct = 1745667857;
+constexpr Qov64s times97(int v)
+{
+    return (Qov64s(scale97.in65536) * v + 0x8000) >> 16;
+}
+static_assert(times97(leastProduct) == Limits<Qov32s>::low &&
+              times97(largestProduct) == Limits<Qov32s>::high);
+
+template <>
+struct Scaled<Qov32s> : LiftedWide {
+    typedef Vector32s Vector;
+};
+// The product of each half by itself; of the low one, which has no sign, it has 32 bits.
+template <>
+inline Vector32s scaled<Qov32s>(const Constant97& c, Vector32s v)
+{
+    const int factor = beyondOne(c);
+    if (factor > 0) {
+        const Vector32s least = all<Vector32s>(leastProduct), largest = all<Vector32s>(largestProduct);
+        v = v < least ? least : v;
+        v = v > largest ? largest : v;
+    }
+    const Vector32s low = ((v & 0xFFFF) * factor + 0x8000) >> 16;
+    const Vector32s high = sumOfProducts((Vector16s)v, (Vector16s)all<Vector32s>(factor * 65536));
+    return v + (high + low);
 }
 #endif
 

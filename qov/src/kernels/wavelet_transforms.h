@@ -3,7 +3,7 @@
 #ifndef QOV_KERNELS_WAVELET_TRANSFORMS_H
 #define QOV_KERNELS_WAVELET_TRANSFORMS_H
 
-#include "wavelet_vectors.h"
+#include "wavelet_words.h"
 
 namespace qov::QOV_LEVEL {
 namespace {
@@ -20,7 +20,7 @@ struct Chain {
 
     // What comes out of a step is known to the next one, whose target is what this one knew before.
     template <int step>
-    inline void lift(V& target, V& known)
+    QOV_INLINE_MEMBER void lift(V& target, V& known)
     {
         const V now = known;
         const V earlier = direction == alongRows ? previous(before[step], now) : before[step];
@@ -29,7 +29,7 @@ struct Chain {
         target = earlier;
     }
     template <int step = 0>
-    inline void advance(V& target, V& known)
+    QOV_INLINE_MEMBER void advance(V& target, V& known)
     {
         if constexpr (step < Filter::steps) {
             lift<step>(target, known);
@@ -47,7 +47,7 @@ struct StaggeredChain {
     V target[steps], known[steps]; // what goes into each step next
 
     template <int step = steps - 1>
-    inline void advance(V& lastTarget, V& lastKnown)
+    QOV_INLINE_MEMBER void advance(V& lastTarget, V& lastKnown)
     {
         V t = target[step], k = known[step];
         chain.template lift<step>(t, k);
@@ -70,26 +70,27 @@ struct AnalysedRow {
     T *low, *high;
 
     template <class V>
-    inline void known(ptrdiff_t m, V& v) const
+    QOV_INLINE_MEMBER void known(ptrdiff_t m, V& v) const
     {
         v = fetch(src + 2 * m, V());
     }
     template <class V>
-    inline void samples(ptrdiff_t m, V& target, V& v) const
+    QOV_INLINE_MEMBER void samples(ptrdiff_t m, V& target, V& v) const
     {
         split(src + 2 * m - 1, target, v);
     }
     template <class V>
-    inline void result(ptrdiff_t n, const Chain<Filter, alongRows, V>& chain, V, V lifted) const
+    QOV_INLINE_MEMBER void result(ptrdiff_t n, const Chain<Filter, alongRows, V>& chain, V, V lifted) const
     {
         V l = lifted;
         V h = chain.before[Filter::steps - 1];
         Filter::finish(l, h);
         keepHalves(low + n, high + n, saturated<T>(l), saturated<T>(h));
     }
-    inline bool readsWords(ptrdiff_t count) const
+    template <class NumberRange>
+    QOV_INLINE_MEMBER void addTo(NumberRange& range, ptrdiff_t count) const
     {
-        return areWords(src - Filter::steps, 2 * (count + Filter::steps) - 1);
+        range.addRow(src - Filter::steps, 2 * (count + Filter::steps) - 1);
     }
 };
 
@@ -100,27 +101,29 @@ struct SynthesisedRow {
     T* dst;
 
     template <class V>
-    inline void known(ptrdiff_t m, V& v) const
+    QOV_INLINE_MEMBER void known(ptrdiff_t m, V& v) const
     {
         V unused{};
         v = fetch(high + m, V());
         Filter::prepare(unused, v);
     }
     template <class V>
-    inline void samples(ptrdiff_t m, V& target, V& v) const
+    QOV_INLINE_MEMBER void samples(ptrdiff_t m, V& target, V& v) const
     {
         target = fetch(low + m, V());
         v = fetch(high + m, V());
         Filter::prepare(target, v);
     }
     template <class V>
-    inline void result(ptrdiff_t n, const Chain<Filter, alongRows, V>&, V earlier, V lifted) const
+    QOV_INLINE_MEMBER void result(ptrdiff_t n, const Chain<Filter, alongRows, V>&, V earlier, V lifted) const
     {
         join(dst + 2 * n, saturated<T>(earlier), saturated<T>(lifted));
     }
-    inline bool readsWords(ptrdiff_t count) const
+    template <class NumberRange>
+    QOV_INLINE_MEMBER void addTo(NumberRange& range, ptrdiff_t count) const
     {
-        return areWords(low - delay + 1, count + 2 * delay - 1) && areWords(high - delay, count + 2 * delay);
+        range.addRow(low - delay + 1, count + 2 * delay - 1);
+        range.addRow(high - delay, count + 2 * delay);
     }
 };
 
@@ -214,9 +217,15 @@ inline void transformRow(const Row& row, ptrdiff_t count)
     typedef Lifted<Filter, T> In;
     typedef typename In::Number Number;
 #if defined(QOV_SIMD256)
-    if constexpr (In::mayBeWords) {
-        typedef RowTransform<Filter, Row, Number, Vector32s> ForWords;
-        if (count >= ForWords::atOnce && row.readsWords(count)) return ForWords::run(row, count);
+    if constexpr (In::mayBeNarrower) {
+        if (count >= Holds<Widest<T>>::count) {
+            Range<Widest<T>> range;
+            row.addTo(range, count);
+            if (count >= Holds<Vector16s>::count && range.within(largestSmall97))
+                return RowTransform<Filter, Row, Number, Vector16s>::run(row, count);
+            if (range.within(largestWord))
+                return RowTransform<Filter, Row, Number, Vector32s>::run(row, count);
+        }
     }
 #endif
     RowTransform<Filter, Row, Number, typename In::Vector>::run(row, count);

@@ -46,13 +46,13 @@ struct BitWriter {
     Qov64u bits;  // the last 64, at the low end
     Qov32u total; // bits from `start` on
 
-    __attribute__((always_inline)) BitWriter(Qov8u* dst, int used)
+    QOV_INLINE_MEMBER BitWriter(Qov8u* dst, int used)
         : start(dst), bits(Qov64u(*dst >> (8 - used))), total(Qov32u(used))
     {
     }
 
     // `length` up to `most`; the bits above them are 0.
-    __attribute__((always_inline)) void put(Qov64u value, Qov32u length)
+    QOV_INLINE_MEMBER void put(Qov64u value, Qov32u length)
     {
         const Qov32u before = total;
         const Qov64u waiting = bits;
@@ -64,7 +64,7 @@ struct BitWriter {
     }
 
     // At least one bit was put.
-    __attribute__((always_inline)) void finish(Qov8u** dst, int* used) const
+    QOV_INLINE_MEMBER void finish(Qov8u** dst, int* used) const
     {
         *dst = start + (total >> 3);
         *used = int(total & 7);
@@ -89,16 +89,10 @@ struct Window {
     Qov32u count;
 
     // The first bits, 1 to 32 of them.
-    __attribute__((always_inline)) Qov32u first(Qov32u length) const
-    {
-        return Qov32u(bits >> (-length & 63));
-    }
-    __attribute__((always_inline)) Qov32u bit(Qov32u place) const { return Qov32u(bits << place >> 63); }
+    QOV_INLINE_MEMBER Qov32u first(Qov32u length) const { return Qov32u(bits >> (-length & 63)); }
+    QOV_INLINE_MEMBER Qov32u bit(Qov32u place) const { return Qov32u(bits << place >> 63); }
     // What is behind the first `length` bits.
-    __attribute__((always_inline)) Window behind(Qov32u length) const
-    {
-        return {bits << length, count - length};
-    }
+    QOV_INLINE_MEMBER Window behind(Qov32u length) const { return {bits << length, count - length}; }
 };
 
 // A reader keeps nothing but its place: each window comes from memory, up to the last byte that is sure to
@@ -112,20 +106,20 @@ struct BitReader {
     const Qov8u* start;
     Qov32u total; // bits from `start` on
 
-    __attribute__((always_inline)) BitReader(const Qov8u* src, int used) : start(src), total(Qov32u(used)) {}
+    QOV_INLINE_MEMBER BitReader(const Qov8u* src, int used) : start(src), total(Qov32u(used)) {}
 
     // `sure`, 1 to `most`: as many bits of the stream do follow. The window has up to 7 more.
     template <bool isFar = false>
-    __attribute__((always_inline)) Window look(Qov32u sure) const
+    QOV_INLINE_MEMBER Window look(Qov32u sure) const
     {
         const Qov32u bytes = (total + sure + 7) >> 3, count = 8 * bytes - total;
         const Qov64u last = isFar || bytes >= 8 ? load<Qov64u>(start + bytes - 8) : fewBytes(bytes);
         return {last << (-count & 63), count};
     }
 
-    __attribute__((always_inline)) void skip(Qov32u length) { total += length; }
+    QOV_INLINE_MEMBER void skip(Qov32u length) { total += length; }
 
-    __attribute__((always_inline)) void finish(const Qov8u** src, int* used) const
+    QOV_INLINE_MEMBER void finish(const Qov8u** src, int* used) const
     {
         *src = start + (total >> 3);
         *used = int(total & 7);
@@ -133,7 +127,7 @@ struct BitReader {
 
 private:
     // So many bytes from the start on, 1 to 7, at the low end. Some are loaded twice.
-    __attribute__((always_inline)) Qov64u fewBytes(Qov32u bytes) const
+    QOV_INLINE_MEMBER Qov64u fewBytes(Qov32u bytes) const
     {
         if (bytes >= 4) {
             const Qov64u first = load<Qov32u>(start);

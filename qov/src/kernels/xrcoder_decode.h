@@ -24,7 +24,7 @@ struct DecodingContext {
     Qov32u bigThenValueLength, escapeLength;
     Qov32u shortestLevel; // bits
 
-    __attribute__((always_inline)) DecodingContext(const XrTableSet* set, int chroma, int context)
+    QOV_INLINE_MEMBER DecodingContext(const XrTableSet* set, int chroma, int context)
     {
         const Qov32u index = set->table[indexTable(chroma, context)], level = set->table[levelTable(context)];
         indexLook = &indexDecoding.look[index];
@@ -51,7 +51,7 @@ struct ListDecoder {
     Qov32u places = 0;
     Qov32u indexChanges = 0, levelChanges = 0; // of this context
 
-    __attribute__((always_inline)) void put(Qov32u level, Qov32u sign)
+    QOV_INLINE_MEMBER void put(Qov32u level, Qov32u sign)
     {
         dst[order[place]] = Qov32s((level ^ (0 - sign)) + sign);
         places |= 1u << place;
@@ -60,7 +60,7 @@ struct ListDecoder {
     // Finds a symbol and makes the window hold it and `more` bits behind it. A code that does not end in a
     // window has a bit in the next byte, and ends there: none is longer than 8.
     template <int size>
-    __attribute__((always_inline)) Found find(const Look<size>& look, Qov32u more)
+    QOV_INLINE_MEMBER Found find(const Look<size>& look, Qov32u more)
     {
         Found found = look[window.bits];
         if (found.length + more > window.count) {
@@ -70,14 +70,14 @@ struct ListDecoder {
         return found;
     }
 
-    __attribute__((always_inline)) void skip(Qov32u length)
+    QOV_INLINE_MEMBER void skip(Qov32u length)
     {
         in.skip(length);
         window = window.behind(length);
     }
 
     // Takes bits, behind which `sure` ones come at least.
-    __attribute__((always_inline)) Qov32u take(Qov32u length, Qov32u sure)
+    QOV_INLINE_MEMBER Qov32u take(Qov32u length, Qov32u sure)
     {
         window = in.look(length + sure);
         const Qov32u bits = window.first(length);
@@ -86,7 +86,7 @@ struct ListDecoder {
     }
 
     // The level of an escape, whose code has been taken (8.7.13).
-    __attribute__((always_inline)) Qov32u takeEscape(Qov32u sure)
+    QOV_INLINE_MEMBER Qov32u takeEscape(Qov32u sure)
     {
         const Window size = in.look(Qov32u(sizeBits + smallestSize) + sure);
         Qov32u f = size.first(sizeBits) + Qov32u(smallestSize);
@@ -99,7 +99,7 @@ struct ListDecoder {
     }
 
     // A level above 1, behind which `sure` bits come at least.
-    __attribute__((always_inline)) Qov32u takeLevel(const DecodingContext& tables, Qov32u sure)
+    QOV_INLINE_MEMBER Qov32u takeLevel(const DecodingContext& tables, Qov32u sure)
     {
         // A code goes on for a bit at least behind its leading zeros, 5 at most; or its extra bits do.
         Qov32u zeros = Qov32u(__builtin_clzll(window.bits | 1));
@@ -119,7 +119,7 @@ struct ListDecoder {
     }
 
     // Goes on behind zeros (8.7.18.6), of which there are up to `maximum`. `sure` bits come at least.
-    __attribute__((always_inline)) void takeRun(int maximum, Qov32u sure)
+    QOV_INLINE_MEMBER void takeRun(int maximum, Qov32u sure)
     {
         window = in.look(sure);
         const Found run = find(runDecoding.look[maximum], 0);
@@ -127,7 +127,7 @@ struct ListDecoder {
         place += run.symbol + 1;
     }
 
-    __attribute__((always_inline)) void settle()
+    QOV_INLINE_MEMBER void settle()
     {
         addChanges(set, indexTable(chroma, context), indexChanges);
         addChanges(set, levelTable(context), levelChanges);
@@ -135,7 +135,7 @@ struct ListDecoder {
     }
 
     // False: there is no such place.
-    __attribute__((always_inline)) bool takeFirst(int first)
+    QOV_INLINE_MEMBER bool takeFirst(int first)
     {
         const Qov32u table = set->table[firstTable(chroma)];
         window = in.look(shortestValue);
@@ -159,7 +159,7 @@ struct ListDecoder {
     }
 
     // The value that follows. False: there is no such place.
-    __attribute__((always_inline)) bool takeNext()
+    QOV_INLINE_MEMBER bool takeNext()
     {
         if (next == valueFollows) {
             if (++place > lastPlace) return false;

@@ -16,8 +16,7 @@ struct ValueWriter {
 
     // Codes a value, with what stands before it: the zeros, or all of a first value but the level. At most 57
     // bits: 7 + 5 + 1 + 44, or 8 + 1 + 44.
-    __attribute__((always_inline)) void put(Qov32u before, Qov32u beforeLength, const ValueCodes& codes,
-                                            Qov32u coded)
+    QOV_INLINE_MEMBER void put(Qov32u before, Qov32u beforeLength, const ValueCodes& codes, Qov32u coded)
     {
         const Qov32u level = coded >> 1;
         Qov32u f = 0, low = 0, row = level;
@@ -34,13 +33,13 @@ struct ValueWriter {
         changes += code.changes();
         out.put(bits, length + beforeLength);
     }
-    __attribute__((always_inline)) void put(Code before, const ValueCodes& codes, Qov32u coded)
+    QOV_INLINE_MEMBER void put(Code before, const ValueCodes& codes, Qov32u coded)
     {
         put(before.bits, before.length, codes, coded);
     }
 
     // Adds the changes up to here to the tables that they belong to.
-    __attribute__((always_inline)) void settle(XrTableSet* set, int index, int level)
+    QOV_INLINE_MEMBER void settle(XrTableSet* set, int index, int level)
     {
         addChanges(set, index, changes);
         const Qov32s ofIndex = Qov16s(changes);

@@ -16,7 +16,7 @@ struct Levels {
     Qov32u at[XrScan::places];
     Qov32u places;
 
-    __attribute__((always_inline)) Follows behind(int place) const
+    QOV_INLINE_MEMBER Follows behind(int place) const
     {
         const Qov32u rest = places >> place >> 1;
         return rest & 1 ? valueFollows : rest ? zerosFollow : nothingFollows;

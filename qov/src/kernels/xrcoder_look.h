@@ -21,10 +21,7 @@ struct Look {
         for (int i = 0; i < 1 << open; i++) found[(code.bits << open) + i] = {code.length, code.symbol};
     }
     // Of bits at the high end.
-    __attribute__((always_inline)) Found operator[](Qov64u bits) const
-    {
-        return found[bits >> (64 - window)];
-    }
+    QOV_INLINE_MEMBER Found operator[](Qov64u bits) const { return found[bits >> (64 - window)]; }
 };
 
 // By table: the look-up, and of each symbol the length and what it changes.
