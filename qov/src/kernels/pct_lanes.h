@@ -56,9 +56,9 @@ struct WholeNumbers {
         return subtract(target, part<share>(of));
     }
     template <int rounding>
-    QOV_INLINE V halfDifference(V a, V b)
+    QOV_INLINE V halfDifference(V a, V b, V less)
     {
-        return V(Signed(Wrapping(a) - Wrapping(b) + rounding) >> 1);
+        return subtract(V(Signed(Wrapping(a) - Wrapping(b) + rounding) >> 1), less);
     }
     template <Share share>
     QOV_INLINE V part(V v)
@@ -124,14 +124,9 @@ struct Arithmetic<Qov32f, count> {
         return scaledSum(-share.ofOne(), of, target);
     }
     template <int>
-    QOV_INLINE V halfDifference(V a, V b)
+    QOV_INLINE V halfDifference(V a, V b, V less)
     {
-        return 0.5f * (a - b);
-    }
-    template <Share share>
-    QOV_INLINE V part(V v)
-    {
-        return share.ofOne() * v;
+        return scaledSum(0.5f, a - b, -less);
     }
 };
 
@@ -179,11 +174,11 @@ struct Arithmetic<Qov16s, count> {
     // (a - b) >> 1 is a less the mean rounded up, and (a - b + 1) >> 1 that mean less b; the mean is one of
     // unsigned words, so all are biased.
     template <int rounding>
-    QOV_INLINE V halfDifference(V a, V b)
+    QOV_INLINE V halfDifference(V a, V b, V less)
     {
         const V bias = V{} + Qov16s(-32768), biasedA = a ^ bias, biasedB = b ^ bias;
         const V mean = averageUp(biasedA, biasedB);
-        return rounding ? subtract(mean, biasedB) : subtract(biasedA, mean);
+        return subtract(rounding ? subtract(mean, biasedB) : subtract(biasedA, mean), less);
     }
     template <Share share>
     QOV_INLINE V part(V v)

@@ -3,6 +3,7 @@
 #ifndef QOV_KERNELS_PCT_MACROBLOCKS_H
 #define QOV_KERNELS_PCT_MACROBLOCKS_H
 
+#include "pct_eights.h"
 #include "pct_quads.h"
 #include "pct_second.h"
 #include "pct_steps.h"
@@ -22,8 +23,7 @@ struct Tile {
     static constexpr int size = int(sizeof(T));
     static constexpr bool wordPairs = size == 2 && macroblocks == 2;
     static constexpr int rowBytes = wide * size * (wordPairs ? 2 : 1); // that a group covers
-    static constexpr int most = high == 8 ? 4 * size : widest<T, macroblocks>;
-    static constexpr int chunkBytes = rowBytes < most ? rowBytes : most;
+    static constexpr int chunkBytes = rowBytes < widest<T, macroblocks> ? rowBytes : widest<T, macroblocks>;
     static constexpr int across = rowBytes / chunkBytes, down = 4 / across;
     static constexpr int groupsDown = high / 4 / down, groups = groupsDown * (wordPairs ? 1 : macroblocks);
     static constexpr int quads = high == 8 ? 1 : wide / 4;
@@ -75,20 +75,20 @@ private:
     QOV_INLINE void load(T* group, int y, ptrdiff_t step, V* x, const int* place)
     {
         V &a = x[place[0]], &b = x[place[1]], &c = x[place[2]], &d = x[place[3]];
-        a = Rows::read(chunk(group, 0, y, step));
-        b = Rows::read(chunk(group, 1, y, step));
-        c = Rows::read(chunk(group, 2, y, step));
-        d = Rows::read(chunk(group, 3, y, step));
+        a = get<V>(chunk(group, 0, y, step));
+        b = get<V>(chunk(group, 1, y, step));
+        c = get<V>(chunk(group, 2, y, step));
+        d = get<V>(chunk(group, 3, y, step));
         Rows::transpose(a, b, c, d);
     }
     QOV_INLINE void store(T* group, int y, ptrdiff_t step, const V* x, const int* place)
     {
         V a = x[place[0]], b = x[place[1]], c = x[place[2]], d = x[place[3]];
         Rows::transpose(a, b, c, d);
-        Rows::write(chunk(group, 0, y, step), a);
-        Rows::write(chunk(group, 1, y, step), b);
-        Rows::write(chunk(group, 2, y, step), c);
-        Rows::write(chunk(group, 3, y, step), d);
+        put(chunk(group, 0, y, step), a);
+        put(chunk(group, 1, y, step), b);
+        put(chunk(group, 2, y, step), c);
+        put(chunk(group, 3, y, step), d);
     }
 
     template <Direction direction>
@@ -107,6 +107,10 @@ private:
         Dc::spread(q, lane);
         for (int g = 0; g < groups; g++) firstRow[g][0] = ofLanes<V>(lane + g * lanesOfChunk);
     }
+};
+
+template <class T>
+requires(sizeof(typename RowOfTwo<T>::V) <= registerBytes) struct Tile<T, 8, 8, 1> : EightByEight<T> {
 };
 
 // Pairs of 16x16 macroblocks share the vectors of the second level, where those of one would leave half of

@@ -19,8 +19,8 @@ namespace {
 template <class T, int quads, int macroblocks, int groups>
 struct Quads {
     static constexpr bool words = sizeof(T) == 2, wordPairs = words && macroblocks == 2;
-    static constexpr int rawOfGroup = quads == 1 ? 1 : quads / groups;
-    static constexpr int lanesOfGroup = words && !wordPairs ? (rawOfGroup + 1) / 2 : rawOfGroup;
+    static constexpr int rawOfGroup = quads / groups;
+    static constexpr int lanesOfGroup = words && !wordPairs ? rawOfGroup / 2 : rawOfGroup;
     static constexpr int lanes = groups * lanesOfGroup * (words ? 1 : macroblocks);
     typedef Arithmetic<T, (words ? 16 : 16 * macroblocks) / int(sizeof(T))> A;
     typedef typename A::V V;
@@ -86,11 +86,9 @@ private:
             for (int k = 0; k < rawOfGroup; k++) first[k] = (Lane)raw[k];
         } else if constexpr (words) {
             const Lane evenWords = _mm_setr_epi8(0, 1, 4, 5, 8, 9, 12, 13, 0, 1, 4, 5, 8, 9, 12, 13);
-            for (int k = 0; k < rawOfGroup; k += 2) {
-                const int next = k + 1 < rawOfGroup ? k + 1 : k;
+            for (int k = 0; k < rawOfGroup; k += 2)
                 first[k / 2] = lowPairs64(_mm_shuffle_epi8((Lane)raw[k], evenWords),
-                                          _mm_shuffle_epi8((Lane)raw[next], evenWords));
-            }
+                                          _mm_shuffle_epi8((Lane)raw[k + 1], evenWords));
         } else {
             for (int k = 0; k < rawOfGroup; k++)
                 for (int m = 0; m < macroblocks; m++) first[m * lanes / macroblocks + k] = laneOf(raw[k], m);

@@ -24,9 +24,9 @@ struct Steps {
     {
         a = A::add(a, d);
         b = A::subtract(b, c);
-        const V t = A::template halfDifference<rounding>(a, b), oldC = c;
-        c = A::subtract(t, d);
-        d = A::subtract(t, oldC);
+        const V oldC = c;
+        c = A::template halfDifference<rounding>(a, b, d);
+        d = A::template halfDifference<rounding>(a, b, oldC);
         a = A::subtract(a, d);
         b = A::add(b, c);
     }
@@ -36,7 +36,7 @@ struct Steps {
         b = A::subtract(b, c);
         a = A::add(a, d);
         c = A::template add<halfUp>(c, b);
-        d = A::subtract(A::template part<halfUp>(a), d);
+        d = A::template add<halfUp>(A::negative(d), a);
         b = A::template subtract<threeEighths>(b, a);
         a = A::template add<threeEighths>(a, b);
         d = A::template subtract<threeEighths>(d, c);
@@ -57,7 +57,7 @@ struct Steps {
         c = A::template subtract<threeEighths>(c, d);
         d = A::template add<threeEighths>(d, c);
         c = A::template subtract<halfUp>(c, b);
-        d = A::subtract(A::template part<halfUp>(a), d);
+        d = A::template add<halfUp>(A::negative(d), a);
         b = A::add(b, c);
         a = A::subtract(a, d);
     }
@@ -68,14 +68,13 @@ struct Steps {
         c = A::negative(c);
         d = A::add(d, a);
         c = A::subtract(c, b);
-        const V halfD = A::template part<half>(d), halfC = A::template part<half>(c);
-        a = A::subtract(a, halfD);
-        b = A::add(b, halfC);
+        a = A::template subtract<half>(a, d);
+        b = A::template add<half>(b, c);
         a = A::template add<threeEighths>(a, b);
         b = A::template subtract<threeQuarters>(b, a);
         a = A::template add<threeEighthsLow>(a, b);
-        b = A::subtract(b, halfC);
-        a = A::add(a, halfD);
+        b = A::template subtract<half>(b, c);
+        a = A::template add<half>(a, d);
         c = A::add(c, b);
         d = A::subtract(d, a);
     }
@@ -83,14 +82,13 @@ struct Steps {
     {
         d = A::add(d, a);
         c = A::subtract(c, b);
-        const V halfD = A::template part<half>(d), halfC = A::template part<half>(c);
-        a = A::subtract(a, halfD);
-        b = A::add(b, halfC);
+        a = A::template subtract<half>(a, d);
+        b = A::template add<half>(b, c);
         a = A::template subtract<threeEighthsLow>(a, b);
         b = A::template add<threeQuarters>(b, a);
         a = A::template subtract<threeEighths>(a, b);
-        b = A::subtract(b, halfC);
-        a = A::add(a, halfD);
+        b = A::template subtract<half>(b, c);
+        a = A::template add<half>(a, d);
         c = A::add(c, b);
         d = A::subtract(d, a);
         b = A::negative(b);

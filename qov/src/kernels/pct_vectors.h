@@ -119,27 +119,11 @@ QOV_INLINE void transposeDwords(V& a, V& b, V& c, V& d)
     byQwords(ab2, cd2, c, d);
 }
 
-// `bytes` bytes of a row of samples, four for each block in it; 8 bytes are the lower half of a register.
+// A register of `bytes` bytes of a row of samples, four for each block in it.
 template <class T, int bytes>
 struct Chunk {
-    static constexpr int registerSize = bytes < 16 ? 16 : bytes;
-    typedef Arithmetic<T, registerSize / int(sizeof(T))> A;
+    typedef Arithmetic<T, bytes / int(sizeof(T))> A;
     typedef typename A::V V;
-
-    QOV_INLINE V read(const T* p)
-    {
-        if constexpr (bytes == 8)
-            return (V)_mm_loadl_epi64((const __m128i*)p);
-        else
-            return get<V>(p);
-    }
-    QOV_INLINE void write(T* p, V v)
-    {
-        if constexpr (bytes == 8)
-            _mm_storel_epi64((__m128i*)p, (__m128i)v);
-        else
-            put(p, v);
-    }
 
     // Turns the chunks of four rows of blocks, or of several blocks of a row, into columns 0 to 3 of all the
     // blocks, and columns into chunks. In 128 bits stand a block of each chunk, of words then a second one of
@@ -148,7 +132,7 @@ struct Chunk {
     {
         if constexpr (sizeof(T) == 2) {
             const V ab = lowPairs16(a, b), cd = lowPairs16(c, d);
-            const V ab2 = bytes == 8 ? ab : highPairs16(a, b), cd2 = bytes == 8 ? cd : highPairs16(c, d);
+            const V ab2 = highPairs16(a, b), cd2 = highPairs16(c, d);
             byQwords(lowPairs32(ab, cd), lowPairs32(ab2, cd2), a, b);
             byQwords(highPairs32(ab, cd), highPairs32(ab2, cd2), c, d);
         } else {
