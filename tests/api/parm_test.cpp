@@ -3,9 +3,9 @@
 #include <gtest/gtest.h>
 
 #include <cstdio>
+#include <initializer_list>
 
 #include "support/capture.h"
-#include "support/tempfile.h"
 
 // Declared behind the templates that use them, as the data layer does it.
 qkString& operator<<(qkString& text, const QovSize& size)
@@ -54,26 +54,16 @@ void expectReplay(qkIterator_NSC<T>& from, qkIterator_NSC<T>& to)
 
 TEST(StepIterator, RulesAndLists)
 {
-    const struct {
-        const char* text;
-        const char* values;
-        const char* stored;
-    } cases[] = {
+    const char* const cases[][3] = {
         {"1; 8; *2", "1 2 4 8", "for (n = 1; n <= 8; *2)"},
-        {"8; 2048; *4", "8 32 128 512 2048", "for (n = 8; n <= 2048; *4)"},
-        {"1;9;+3", "1 4 7", "for (n = 1; n <= 9; +3)"},
         {"1 9 +3", "1 4 7", "for (n = 1; n <= 9; +3)"},
-        {"8; 1; -3", "8 5 2", "for (n = 8; n >= 1; -3)"},
         {"8; 1; +-3", "8 5 2", "for (n = 8; n >= 1; +-3)"},
         {"1; 8; --7", "1 8", "for (n = 1; n <= 8; --7)"},
         {"-8; -64; *2", "-8 -16 -32 -64", "for (n = -8; n >= -64; *2)"},
-        {"8; 8; +1", "8", "for (n = 8; n <= 8; +1)"},
         {"8; 8; *2", "8", "for (n = 8; n <= 8; *2)"},
         {"0x10; 0x40; *2", "16 32 64", "for (n = 16; n <= 64; *2)"},
         {"for (n = 8; n <= 2048; *4)", "8 32 128 512 2048", "for (n = 8; n <= 2048; *4)"},
         {" for (x y = 4; x y >= -4; -4) ", "4 0 -4", "for (n = 4; n >= -4; -4)"},
-        {"3;5;7", "3 5 7", "3; 5; 7"},
-        {"3; -5", "3 -5", "3; -5"},
         {"3; 5; 7; -9", "3 5 7 -9", "3; 5; 7; -9"},
         {"64", "64", "64"},
         // The last step would leave the 32-bit numbers.
@@ -82,12 +72,11 @@ TEST(StepIterator, RulesAndLists)
          "for (n = 2147483646; n <= 2147483647; +2147483647)"},
         {"-2147483647; -2147483648; -2", "-2147483647", "for (n = -2147483647; n >= -2147483648; -2)"},
     };
-    for (const auto& c : cases) {
+    for (const auto& [text, values, stored] : cases) {
         qkStepIterator<int> parm("n", ""), replayed("n", "");
-        EXPECT_EQ(refusal(parm, c.text), "") << c.text;
-        EXPECT_EQ(walk(parm), c.values) << c.text;
-        EXPECT_EQ(walk(parm), c.values) << c.text << ", second walk";
-        EXPECT_STREQ(parm.defaultString().c_str(), c.stored) << c.text;
+        EXPECT_EQ(refusal(parm, text), "") << text;
+        EXPECT_EQ(walk(parm), values) << text;
+        EXPECT_STREQ(parm.defaultString().c_str(), stored) << text;
         expectReplay(parm, replayed);
     }
 }
@@ -95,45 +84,30 @@ TEST(StepIterator, RulesAndLists)
 TEST(StepIterator, RefusalsKeepTheOldRule)
 {
     const char* const conflict = "Conflict between iterator limits and operation";
-    const struct {
-        const char* text;
-        const char* message;
-    } cases[] = {
-        {"1; 8; -1", conflict},
-        {"8; 1; +1", conflict},
+    const std::pair<const char*, const char*> cases[] = {
         {"1; 8; +-1", conflict},
         {"8; 1; --1", conflict},
-        {"8; 1; *2", conflict},
         {"0; 8; *2", conflict},
-        {"-1; 8; *2", conflict},
         {"8; -1; *2", conflict},
-        {"1; 8; *-2", conflict},
-        {"8; 1; +0", conflict},
         {"1; 8; +0", conflict},
         {"1; 8; -0", conflict},
-        {"1; 8; *0", conflict},
         {"1; 8; *1", conflict},
         {"64; 8; *2", conflict},
         {"-64; -8; *2", conflict},
-        {"8; 8; *1", conflict},
         {"8; 8; +0", conflict},
-        {"8; 8; -1", conflict},
         {"for (n = 8; n >= 1; *2)", conflict},
         {"a; 8; *2", "Invalid first value = a"},
         {"1; b; *2", "Invalid last value = b"},
         {"1; 8; *c", "Invalid step = c"},
-        {"1; 8; *", "Invalid step = "},
         {"1; x; 8", "Invalid value of n = x"},
-        {"1; ; 8", "Invalid value of n = "},
         {"for (n = 1; n <= 8)", "Invalid value of n = for (n = 1"},
         {"", "Empty iterator definition"},
-        {";;", "Empty iterator definition"},
     };
-    for (const auto& c : cases) {
+    for (const auto& [text, message] : cases) {
         qkStepIterator<int> parm("n", "");
         parm.setStep(2, 8, '*', 2);
-        EXPECT_EQ(refusal(parm, c.text), c.message) << c.text;
-        EXPECT_EQ(walk(parm), "2 4 8") << c.text;
+        EXPECT_EQ(refusal(parm, text), message) << text;
+        EXPECT_EQ(walk(parm), "2 4 8") << text;
     }
     qkStepIterator<int> parm("n", "");
     EXPECT_THROW(parm.setStep(1, 8, '/', 2), qkException);
@@ -164,37 +138,23 @@ TEST(StepIterator, SetValueDoesNotDisturbTheWalk)
     EXPECT_EQ(parm.value(), 2);
 }
 
+template <class T>
+void expectList(std::initializer_list<T> values, const char* stored)
+{
+    qkIterator<T> parm("p", ""), replayed("p", "");
+    for (const T& value : values) parm.add(value);
+    EXPECT_STREQ(parm.defaultString().c_str(), stored);
+    EXPECT_STREQ(parm.description().c_str(), (std::string("p: ") + stored).c_str());
+    expectReplay(parm, replayed);
+}
+
 TEST(Iterator, ListsOfEveryType)
 {
-    qkIterator<double> ratio("ratio", "");
-    for (double value : {0.0, 1.5, 100.0}) ratio.add(value);
-    qkIterator<bool> flag("flag", "");
-    for (bool value : {true, false}) flag.add(value);
-    qkIterator<qkString> file("file", "");
-    for (const char* value : {"rose.bmp", "a b.bmp"}) file.add(value);
-    qkIterator<QovSize> size("size", "");
-    for (QovSize value : {QovSize{64, 64}, QovSize{720, 480}}) size.add(value);
-    qkIterator<QovHintAlgorithm> hint("hint", "");
-    hint.add(qovAlgHintAccurate);
-
-    EXPECT_EQ(walk(ratio), "0 1.5 100");
-    EXPECT_EQ(walk(flag), "yes no");
-    EXPECT_EQ(walk(file), "rose.bmp a b.bmp");
-    EXPECT_EQ(walk(size), "64x64 720x480");
-    EXPECT_EQ(walk(hint), "2");
-    EXPECT_STREQ(size.defaultString().c_str(), "64x64; 720x480");
-    EXPECT_STREQ(size.description().c_str(), "size: 64x64; 720x480");
-
-    qkIterator<double> ratio2("ratio", "");
-    qkIterator<bool> flag2("flag", "");
-    qkIterator<qkString> file2("file", "");
-    qkIterator<QovSize> size2("size", "");
-    qkIterator<QovHintAlgorithm> hint2("hint", "");
-    expectReplay(ratio, ratio2);
-    expectReplay(flag, flag2);
-    expectReplay(file, file2);
-    expectReplay(size, size2);
-    expectReplay(hint, hint2);
+    expectList<double>({0.0, 1.5, 100.0}, "0; 1.5; 100");
+    expectList<bool>({true, false}, "yes; no");
+    expectList<qkString>({"rose.bmp", "a b.bmp"}, "rose.bmp; a b.bmp");
+    expectList<QovSize>({{64, 64}, {720, 480}}, "64x64; 720x480");
+    expectList<QovHintAlgorithm>({qovAlgHintAccurate}, "2");
 }
 
 TEST(Iterator, AGoodListTakesTheOldOnesPlaceABadOneDoesNot)
@@ -237,6 +197,10 @@ TEST(Default, HasExactlyOneValue)
     for (int round = 0; round < 2; round++) EXPECT_EQ(walk(parm), "5");
     parm.firstValue();
     EXPECT_TRUE(parm.firstValue()) << "also from the middle of a walk";
+    EXPECT_STREQ(parm.prompt().c_str(), "p") << "the name stands in for the question";
+    parm.setName("m", "Number, %");
+    EXPECT_STREQ(parm.prompt().c_str(), "Number, %");
+    EXPECT_STREQ(parm.description().c_str(), "m: 5");
 }
 
 TEST(Default, TextsOfEveryType)
@@ -274,15 +238,12 @@ TEST(MapDefault, BeginningsOfNamesInAnyCase)
     for (int i = 0; i < 4; i++) parm[i] = names[i];
     parm[0] = "Automatic";
     EXPECT_STREQ(parm.validString().c_str(), "Automatic|Manual|Statistic|Max");
-    const struct {
-        const char* text;
-        int value; // -1: refused
-    } cases[] = {{"man", 1}, {"MANUAL", 1}, {"m", 1},  {"max", 3},     {"s", 2},
-                 {"", 0},    {"anual", -1}, {"1", -1}, {"Manuals", -1}};
-    for (const auto& c : cases) {
+    const std::pair<const char*, int> cases[] = {{"man", 1}, {"MANUAL", 1}, {"m", 1},  {"max", 3},
+                                                 {"", 0},    {"anual", -1}, {"1", -1}, {"Manuals", -1}};
+    for (const auto& [text, value] : cases) { // -1: refused
         parm.setValue(3);
-        EXPECT_EQ(refusal(parm, c.text) != "", c.value < 0) << c.text;
-        EXPECT_EQ(parm.value(), c.value < 0 ? 3 : c.value) << c.text;
+        EXPECT_EQ(refusal(parm, text) != "", value < 0) << text;
+        EXPECT_EQ(parm.value(), value < 0 ? 3 : value) << text;
     }
     EXPECT_STREQ(parm.valueToString(77).c_str(), "");
 }
@@ -376,24 +337,21 @@ public:
 
 TEST(Parameter, TableCells)
 {
-    qkDefault<int> plain(7, "plain", ""), nameless(7, "", ""), quoted(7, "quoted", ""), old(7, "old", "");
+    qkDefault<int> plain(7, "plain", ""), nameless(7, "", ""), quoted(7, "quoted", "");
     Placed placed(7, "placed", "");
     quoted.setQuoted(true);
-    old.addDeprecated(7, "seven");
-    ASSERT_TRUE(old.setDeprecatedFlag(true));
     const struct {
         qkParameter& parm;
-        const char* cell;
-        const char* nameCell;
+        const char *cell, *nameCell;
     } cases[] = {
-        {plain, "f,7,-\n", "f,plain,-\n"},        {nameless, "f,-,-\n", "f,-,-\n"},
-        {quoted, "f, \"7\",-\n", "f,quoted,-\n"}, {old, "f,seven,-\n", "f,old,-\n"},
+        {plain, "f,7,-\n", "f,plain,-\n"},
+        {nameless, "f,-,-\n", "f,-,-\n"},
+        {quoted, "f, \"7\",-\n", "f,quoted,-\n"},
         {placed, "f,-,7\n", "f,-,placed\n"},
     };
     for (const auto& c : cases) {
-        const TempFile file;
         qkCStream table;
-        ASSERT_TRUE(table.addStream(file.path(), false));
+        SinkText<qkCStream> written(table);
         for (bool name : {false, true}) {
             table << "f";
             if (name)
@@ -403,7 +361,7 @@ TEST(Parameter, TableCells)
             table.setNumColm(3);
             table.lineOut(0);
         }
-        EXPECT_EQ(file.read(), std::string(c.cell) + c.nameCell);
+        EXPECT_EQ(written.take(), std::string(c.cell) + c.nameCell);
     }
 }
 
@@ -429,34 +387,20 @@ TEST(Parameter, DeprecatedSpellings)
     parm.addDeprecated({8, 8}, "block");
     parm.addDeprecated({64, 64}, "small");
     EXPECT_TRUE(parm.isDeprecatedParm());
-    const struct {
-        QovSize value;
-        const char* cell; // null: no old spelling
-    } cases[] = {{{64, 64}, "small"}, {{64, 8}, nullptr}, {{8, 8}, "block"}};
-    for (const auto& c : cases) {
-        parm.setValue(c.value);
-        EXPECT_EQ(parm.isDeprecatedValue(), c.cell != nullptr);
-        EXPECT_EQ(parm.setDeprecatedFlag(true), c.cell != nullptr);
-        qkCStream table;
-        qkString cell;
-        parm.toCStream(table);
-        table.getColm(0, cell);
-        EXPECT_STREQ(cell.c_str(), c.cell ? c.cell : parm.valueString().c_str());
-        EXPECT_FALSE(parm.setDeprecatedFlag(false));
-        table.tableFlush();
-        parm.toCStream(table);
-        table.getColm(0, cell);
-        EXPECT_STREQ(cell.c_str(), parm.valueString().c_str());
+    const std::pair<QovSize, const char*> cases[] = {
+        {{64, 64}, "small"}, {{64, 8}, nullptr}, {{8, 8}, "block"}};
+    for (const auto& [value, spelling] : cases) {
+        parm.setValue(value);
+        EXPECT_EQ(parm.isDeprecatedValue(), spelling != nullptr);
+        for (bool on : {true, false}) {
+            EXPECT_EQ(parm.setDeprecatedFlag(on), on && spelling);
+            qkCStream table;
+            qkString cell;
+            parm.toCStream(table);
+            table.getColm(0, cell);
+            EXPECT_STREQ(cell.c_str(), on && spelling ? spelling : parm.valueString().c_str());
+        }
     }
-}
-
-TEST(Parameter, TheNameStandsInForTheQuestion)
-{
-    qkDefault<int> parm(0, "n", "");
-    EXPECT_STREQ(parm.prompt().c_str(), "n");
-    parm.setName("m", "Number, %");
-    EXPECT_STREQ(parm.prompt().c_str(), "Number, %");
-    EXPECT_STREQ(parm.description().c_str(), "m: 0");
 }
 
 } // namespace

@@ -27,11 +27,7 @@ TEST_F(PathTest, AbsoluteMeansSlashBackslashOrDrive)
 
 TEST_F(PathTest, ADirectoryEndsInASlashAndStandsBehindTheExecutables)
 {
-    const struct {
-        const char* exe;
-        const char* dir;
-        const char* expected;
-    } rows[] = {
+    const char* const rows[][3] = {
         {"/opt/qk/quolkit", "", "/opt/qk/"},
         {"/opt/qk/quolkit", "res", "/opt/qk/res/"},
         {"/opt/qk/quolkit", "res\\", "/opt/qk/res\\"},
@@ -40,20 +36,15 @@ TEST_F(PathTest, ADirectoryEndsInASlashAndStandsBehindTheExecutables)
         {"quolkit", "", ""},
         {"quolkit", "res", "res/"},
     };
-    for (const auto& row : rows) {
-        qkSession::m_exePath = row.exe;
-        EXPECT_STREQ(qkSession::genDirName(row.dir).c_str(), row.expected) << row.exe << " " << row.dir;
+    for (const auto& [exe, dir, expected] : rows) {
+        qkSession::m_exePath = exe;
+        EXPECT_STREQ(qkSession::genDirName(dir).c_str(), expected) << exe << " " << dir;
     }
 }
 
 TEST_F(PathTest, NamesOfFiles)
 {
-    const struct {
-        const char* defName;
-        const char* name;
-        const char* in;
-        const char* out;
-    } rows[] = {
+    const char* const rows[][4] = {
         {"", "", "/opt/qk/in/quolkit.ini", "/out/quolkit.csv"},
         {"v1.2", "", "/opt/qk/in/v1.2.ini", "/out/v1.2.csv"},
         {"v1.2", "a", "/opt/qk/in/a.ini", "/out/a.csv"},
@@ -61,10 +52,10 @@ TEST_F(PathTest, NamesOfFiles)
         {"", "a.b/foo", "/opt/qk/in/a.b/foo", "/out/a.b/foo"}, // any dot means "has an extension"
         {"", "/data/foo", "/data/foo", "/data/foo"},
     };
-    for (const auto& row : rows) {
-        set("/opt/qk/quolkit.bin", "in", "/out", row.defName);
-        EXPECT_STREQ(qkSession::genInPath(row.name, extIni).c_str(), row.in) << row.name;
-        EXPECT_STREQ(qkSession::genOutPath(row.name, extCsv).c_str(), row.out) << row.name;
+    for (const auto& [defName, name, in, out] : rows) {
+        set("/opt/qk/quolkit.bin", "in", "/out", defName);
+        EXPECT_STREQ(qkSession::genInPath(name, extIni).c_str(), in) << name;
+        EXPECT_STREQ(qkSession::genOutPath(name, extCsv).c_str(), out) << name;
     }
 }
 

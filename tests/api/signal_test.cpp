@@ -100,57 +100,71 @@ TEST_F(Signals, PassOverWhatFreesTheDataButNotEndTest)
     EXPECT_EQ(m_table.take(), "");
 }
 
-TEST_F(Signals, LeaveNoOpenMessageForTheNextTest)
+// Crashes where the run prints it, and where it says so.
+class CrashingParm : public qkDefault<int> {
+public:
+    enum Where { none, onConsole, inRow, inNameRow, inOldSpelling };
+    explicit CrashingParm(Where where) : qkDefault<int>(3, "Parm", ""), m_where(where) {}
+    void toOStream(qkOStream& out) const override
+    {
+        if (m_where == onConsole) writeNull();
+        qkDefault<int>::toOStream(out);
+    }
+    void toCStream(qkCStream& out) const override
+    {
+        if (m_where == inRow) out << "cell";
+        if (m_where == inRow || (m_where == inOldSpelling && m_useText)) writeNull();
+        qkDefault<int>::toCStream(out);
+    }
+    void nameToCStream(qkCStream& out) const override
+    {
+        if (m_where == inNameRow) writeNull();
+        qkDefault<int>::nameToCStream(out);
+    }
+    Where m_where;
+};
+
+// Whatever was open when a test crashed, the next one starts afresh: messages, half a row, the sinks that are
+// exchanged for the name row, rows with old spellings that are held back.
+TEST_F(Signals, LeaveNothingForTheNextTest)
 {
-    struct Parm : qkDefault<int> {
-        using qkDefault<int>::qkDefault;
-        void toOStream(qkOStream&) const override { writeNull(); }
-    } parm(1, "Parm", "");
-    ScriptTest bad, good;
-    bad.m_uses = {&parm};
-    bad.m_results = {FUNCFAIL};
-    good.m_script["constToOstrm"] = [] { g_ostrm << "constants"; };
-    g_ostrm.setOutLevel(errors);
-    EXPECT_EQ(bad.run(), EXCPTFAIL);
-    EXPECT_EQ(good.run(), OK);
-    EXPECT_THAT(m_console.take(), Not(HasSubstr("constants"))) << "printed as part of an error";
+    const struct {
+        CrashingParm::Where where;
+        const char *rows, *names;
+    } cases[] = {
+        {CrashingParm::onConsole, "good,3,-,nLps=32,100, ,1.6,-\n", ""},
+        {CrashingParm::inRow, "good,3,-,nLps=32,100, ,1.6,-\n", ""},
+        {CrashingParm::inNameRow, "good,3,-,nLps=32,100, ,1.6,-\n", "good,Parm,-,parmNames,-,-,-,-\n"},
+        {CrashingParm::inOldSpelling,
+         "bad,3,-,nLps=32,100, ,1.6,-\n"
+         "good,3,-,nLps=32,100, ,1.6,-\n"
+         "good,three,-,deprecated,100, ,1.6,-\n",
+         ""},
+    };
+    for (const auto& row : cases) {
+        SCOPED_TRACE(row.where);
+        CrashingParm parm(row.where);
+        if (row.where == CrashingParm::inOldSpelling) parm.addDeprecated(3, "three");
+        ScriptTest bad("bad"), good("good");
+        bad.m_uses = good.m_uses = {&parm};
+        bad.m_results = {row.where == CrashingParm::onConsole ? FUNCFAIL : OK};
+        good.m_script["constToOstrm"] = [] { g_ostrm << "constants"; };
+        g_ostrm.setOutLevel(errors);
+        qkSession::m_nameMode = row.where == CrashingParm::inNameRow ? 2 : 0;
+        EXPECT_EQ(bad.run(), EXCPTFAIL);
+        parm.m_where = CrashingParm::none;
+        EXPECT_EQ(good.run(), OK);
+        EXPECT_THAT(m_console.take(), Not(HasSubstr("constants"))) << "printed as part of an error";
+        EXPECT_EQ(m_table.take(), row.rows);
+        EXPECT_EQ(m_names.take(), row.names);
+    }
 }
 
-TEST_F(Signals, LeaveNoHalfRowForTheNextTest)
+TEST_F(Signals, LeaveTheRowsOfSetsThatWereDone)
 {
-    struct Parm : qkDefault<int> {
-        using qkDefault<int>::qkDefault;
-        void toCStream(qkCStream& out) const override
-        {
-            out << "cell";
-            writeNull();
-        }
-    } parm(1, "Parm", "");
-    ScriptTest bad("bad"), good("good");
-    bad.m_uses = {&parm};
-    EXPECT_EQ(bad.run(), EXCPTFAIL);
-    EXPECT_EQ(good.run(), OK);
-    EXPECT_EQ(m_table.take(), "good,-,-,nLps=32,100, ,1.6,-\n");
-}
-
-// The name row is written with the sinks of two tables exchanged; rows with old spellings are held back.
-TEST_F(Signals, LeaveTheTablesInOrder)
-{
-    struct Parm : qkDefault<int> {
-        using qkDefault<int>::qkDefault;
-        void nameToCStream(qkCStream&) const override { writeNull(); }
-    } parm(1, "Parm", "");
-    ScriptTest bad("bad"), good("good");
-    bad.m_uses = {&parm};
-    qkSession::m_nameMode = 2;
-    EXPECT_EQ(bad.run(), EXCPTFAIL);
-    EXPECT_EQ(good.run(), OK);
-    EXPECT_EQ(m_table.take(), "good,-,-,nLps=32,100, ,1.6,-\n");
-    EXPECT_EQ(m_names.take(), "good,-,-,parmNames,-,-,-,-\n");
-
-    qkSession::m_nameMode = 0;
     qkDefault<int> old(3, "Old", "");
     old.addDeprecated(3, "three");
+    ScriptTest bad("bad"), good("good");
     bad.m_uses = {&old};
     bad.m_script["flushData"] = writeNull;
     EXPECT_EQ(bad.run(), EXCPTFAIL);
@@ -158,29 +172,6 @@ TEST_F(Signals, LeaveTheTablesInOrder)
     EXPECT_EQ(m_table.take(), "bad,3,-,nLps=32,100, ,1.6,-\n"
                               "bad,three,-,deprecated,100, ,1.6,-\n"
                               "good,-,-,nLps=32,100, ,1.6,-\n");
-}
-
-// The crash comes in the row with the old spelling of a parameter that the next test uses too.
-TEST_F(Signals, LeaveNoOldSpellingForTheNextTest)
-{
-    struct Parm : qkDefault<int> {
-        using qkDefault<int>::qkDefault;
-        void toCStream(qkCStream& out) const override
-        {
-            if (m_useText && m_crashes) writeNull();
-            qkDefault<int>::toCStream(out);
-        }
-        bool m_crashes = true;
-    } parm(3, "Parm", "");
-    parm.addDeprecated(3, "three");
-    ScriptTest bad("bad"), good("good");
-    bad.m_uses = good.m_uses = {&parm};
-    EXPECT_EQ(bad.run(), EXCPTFAIL);
-    parm.m_crashes = false;
-    EXPECT_EQ(good.run(), OK);
-    EXPECT_EQ(m_table.take(), "bad,3,-,nLps=32,100, ,1.6,-\n"
-                              "good,3,-,nLps=32,100, ,1.6,-\n"
-                              "good,three,-,deprecated,100, ,1.6,-\n");
 }
 
 TEST_F(Signals, CrashInEndTestIsNotRepeatedForEver)
@@ -235,14 +226,10 @@ TEST(SignalsDeathTest, KillTheProcessIfNothingIsArmed)
     EXPECT_EXIT(afterGuard(), testing::KilledBySignal(SIGSEGV), "");
 }
 
-TEST(SignalText, TellsTheCode)
+TEST(Exception, TellsSignalsFromOthersAndCutsLongTexts)
 {
     tsSignal::m_code = 99;
     EXPECT_STREQ(tsSignal::getInfo(), "Unknown exception");
-}
-
-TEST(Exception, TellsSignalsFromOthersAndCutsLongTexts)
-{
     const qkException other(qkString("text"));
     EXPECT_STREQ(other.msg(), "--QOV. Exception: text");
     EXPECT_STREQ(other.what(), "--QOV. Exception: text");

@@ -2,6 +2,8 @@
 // the texts and table rows that come of it.
 #include <gmock/gmock.h>
 
+#include <utility>
+
 #include "qklibenv.h"
 #include "qkmem.h"
 #include "qkresult.h"
@@ -21,9 +23,10 @@ protected:
 
 TEST(TestInfo, SplitsAtTheFirstTwoSlashes)
 {
-    const Strings cases[] = {{"a/b/c", "a", "b", "c"},     {"TimjAdd//QD_REG", "TimjAdd", "", "QD_REG"},
-                             {"a/b", "a", "b", ""},        {"a", "a", "", ""},
-                             {"a/b/c/d", "a", "b", "c/d"}, {"", "", "", ""}};
+    const Strings cases[] = {{"TimjAdd//QD_REG", "TimjAdd", "", "QD_REG"},
+                             {"a/b", "a", "b", ""},
+                             {"a/b/c/d", "a", "b", "c/d"},
+                             {"", "", "", ""}};
     for (const Strings& row : cases) {
         const qkTestInfo info(row[0].c_str());
         EXPECT_EQ(Strings({info.m_class.c_str(), info.m_description.c_str(), info.m_macro.c_str()}),
@@ -43,11 +46,6 @@ TEST(Result, HasANameAndATextWithinTheRange)
     }
 }
 
-TEST_F(TestRun, KeepsTheLastPartOfTheSourcePath)
-{
-    EXPECT_STREQ(m_test.fileName().c_str(), "p_script");
-}
-
 TEST_F(TestRun, CallsTheHooksInOrder)
 {
     fill(m_inner, {1, 2});
@@ -56,24 +54,6 @@ TEST_F(TestRun, CallsTheHooksInOrder)
     EXPECT_EQ(m_test.m_calls,
               words("beginTest canStart parmsFromIstrm initData constToOstrm runTiming flushData "
                     "initData runTiming flushData flushStart endTest"));
-}
-
-TEST_F(TestRun, TracesEachHookByName)
-{
-    g_ostrm.setOutLevel(traced);
-    qkSession::m_nameMode = 1;
-    EXPECT_EQ(m_test.run(), OK);
-    Strings names;
-    std::istringstream lines(m_console.take());
-    const std::string mark = " trace into   ";
-    for (std::string line; std::getline(lines, line);) {
-        const auto at = line.find(mark);
-        if (at != std::string::npos) names.push_back(line.substr(at + mark.size()));
-    }
-    EXPECT_EQ(names,
-              words("setIniSection beginTest testTitle g_ostrm<<testTitle g_ustrm<<testTitle canStart "
-                    "parmsFromIstrm funcToCstrm parmsNameToCstrm loopData canContinue initData parmsToOstrm "
-                    "runTiming flushData canContinue flushStart testResult endTest"));
 }
 
 // The trace is kept as text too; it must not grow with the parameter sets and the tests.
@@ -90,14 +70,13 @@ TEST_F(TestRun, ForgetsTheTraceOfEarlierSets)
 
 TEST_F(TestRun, EndsEarlyWithoutMeasuring)
 {
-    struct Case {
+    const struct {
         const char* what;
         std::function<void(ScriptTest&)> prepare;
         qkResult result;
         const char* calls;
         const char* text;
-    };
-    const Case cases[] = {
+    } cases[] = {
         {"refused", [](ScriptTest& test) { test.m_refuses = "canStart"; }, DATAFAIL,
          "beginTest canStart flushStart endTest", "-- Can't start timing\n"},
         {"-C", [](ScriptTest&) { qkTest::m_cache = true; }, UNDEFINED,
@@ -105,8 +84,23 @@ TEST_F(TestRun, EndsEarlyWithoutMeasuring)
          "-- Can't run In-Outof-Cache timing: no program support for function qoviScript\n"},
         {"-Q", [](ScriptTest&) { qkSession::m_nameExit = true; }, OK,
          "beginTest canStart parmsFromIstrm flushStart endTest", "OK"},
+        {"empty list",
+         [this](ScriptTest& test) {
+             test.m_uses = {&m_outer, &m_inner};
+         },
+         DATAFAIL, "beginTest canStart parmsFromIstrm flushStart endTest",
+         "-- One of argument list for timing is empty\n"},
+        {"no data",
+         [this](ScriptTest& test) {
+             test.m_uses = {&m_outer};
+             test.m_refuses = "initData";
+         },
+         DATAFAIL,
+         "beginTest canStart parmsFromIstrm initData flushData initData flushData flushStart endTest",
+         "-- Error while initialization of function data\n"},
     };
-    for (const Case& row : cases) {
+    fill(m_outer, {1, 2});
+    for (const auto& row : cases) {
         SCOPED_TRACE(row.what);
         ScriptTest test;
         row.prepare(test);
@@ -114,32 +108,7 @@ TEST_F(TestRun, EndsEarlyWithoutMeasuring)
         EXPECT_EQ(test.result(), row.result);
         EXPECT_EQ(test.m_calls, words(row.calls));
         EXPECT_THAT(m_console.take(), HasSubstr(row.text));
-        qkTest::m_cache = false;
-    }
-}
-
-TEST_F(TestRun, MayEndWithoutASetToMeasure)
-{
-    struct Case {
-        const char* what;
-        bool useEmpty;
-        const char* refuses;
-        const char* text;
-    };
-    const Case cases[] = {
-        {"empty list", true, "", "-- One of argument list for timing is empty\n"},
-        {"no data", false, "initData", "-- Error while initialization of function data\n"},
-    };
-    fill(m_outer, {1, 2});
-    for (const Case& row : cases) {
-        SCOPED_TRACE(row.what);
-        ScriptTest test;
-        test.m_uses = {&m_outer};
-        if (row.useEmpty) test.m_uses.push_back(&m_inner);
-        test.m_refuses = row.refuses;
-        EXPECT_EQ(test.run(), DATAFAIL);
-        EXPECT_THAT(m_console.take(), HasSubstr(row.text));
-        EXPECT_TRUE(test.m_sets.empty());
+        qkTest::m_cache = qkSession::m_nameExit = false;
     }
 }
 
@@ -156,24 +125,21 @@ TEST_F(TestRun, TurnsTheLastParameterFastest)
 // row and ends the loop.
 TEST_F(TestRun, MergesTheResultsOfItsSets)
 {
-    struct Case {
+    const struct {
         OutputLevel level;
         std::vector<qkResult> results;
         qkResult merged;
         std::size_t sets;
         int rows;
-    };
-    const Case cases[] = {
-        {performance, {OK, OK, OK}, OK, 3, 3},
+    } cases[] = {
         {performance, {OK, DATAWRN, ACCURWRN}, DATAWRN, 3, 3},
         {warnings, {WARNING, OK, OK}, WARNING, 3, 3},
         {errors, {ACCURWRN, WARNING, OK}, OK, 3, 3},
-        {errors, {OK, ACCURFAIL, OK}, ACCURFAIL, 2, 1},
         {performance, {ACCURWRN, FUNCFAIL, OK}, FUNCFAIL, 2, 1},
         {performance, {OK, UNDEFINED, OK}, FAIL, 2, 1},
     };
     fill(m_inner, {1, 2, 3});
-    for (const Case& row : cases) {
+    for (const auto& row : cases) {
         SCOPED_TRACE(testing::PrintToString(row.results));
         m_table.take();
         ScriptTest test;
@@ -224,14 +190,6 @@ TEST_F(TestRun, WritesRowsForTheNameTableAndTheResults)
     const std::string names = "qoviScript,Inner,-,parmNames,-,-,-,-\n";
     EXPECT_EQ(m_table.take(), names + "qoviScript,7,-,nLps=32,100, ,1.6,-\n");
     EXPECT_EQ(m_names.take(), names);
-}
-
-TEST_F(TestRun, GivesInformationTestsNoNameRow)
-{
-    qkSession::m_nameMode = qkSession::m_nameExit = true;
-    ScriptTest test("__qkSomething");
-    test.run();
-    EXPECT_EQ(m_table.take(), "");
 }
 
 TEST_F(TestRun, AddsRowsWithOldSpellingsBehindTheOthers)
@@ -317,32 +275,6 @@ TEST_F(TestRun, KeepsItsIniValuesToItself)
     EXPECT_EQ(setsOf("later", ""), words("1 2"));
 }
 
-TEST_F(TestRun, WritesItsSectionAndDoesNotMeasure)
-{
-    fill(m_inner, {4, 5});
-    m_test.m_uses = {&m_inner};
-    useIniFile("", true);
-    EXPECT_EQ(m_test.run(), OK);
-    ScriptTest bare("qoviBare");
-    EXPECT_EQ(bare.run(), OK);
-    EXPECT_TRUE(m_test.m_sets.empty());
-    EXPECT_STREQ(g_istrm.iniFile()->read("qoviScript", "Inner", "").c_str(), "4; 5");
-    EXPECT_TRUE(g_istrm.iniFile()->sectionExist("qoviBare"));
-}
-
-TEST_F(TestRun, IsPassedOverInSilenceIfOnlyIniSectionsRun)
-{
-    useIniFile("[qoviOther]\n", false);
-    qkTest::m_pressing = true;
-    EXPECT_EQ(m_test.run(), UNDEFINED);
-    EXPECT_EQ(m_test.result(), OK);
-    EXPECT_TRUE(m_test.m_calls.empty());
-    EXPECT_EQ(m_console.take(), "");
-    ScriptTest other("qoviOther");
-    EXPECT_EQ(other.run(), OK);
-    EXPECT_FALSE(other.m_sets.empty());
-}
-
 TEST_F(TestRun, MarksHotFunctionsAndWithHonlyMeasuresNoOther)
 {
     qkRegHotFunction("qoviHot");
@@ -354,47 +286,23 @@ TEST_F(TestRun, MarksHotFunctionsAndWithHonlyMeasuresNoOther)
     m_test.run();
     EXPECT_TRUE(m_test.m_sets.empty());
     EXPECT_THAT(m_console.take(), HasSubstr("  measuring is omitted: not hot line\n"));
-    qkTest::m_numResultColm = 5;
 }
 
-class CacheRun : public TestRun {
-protected:
-    CacheRun()
-    {
-        qov_GetMaxCacheSizeB = [](int* size) {
-            *size = 1 << 20;
-            return QovStatus(0);
-        };
-        qkTest::m_cache = true;
-        fill(m_outer, {1});
-        fill(m_inner, {8});
-        m_test.m_script["canStart"] = [this] {
-            m_test.regCacheParm(m_inner, nullptr, m_update);
-            m_test.regCacheParm(m_outer, nullptr, m_update);
-        };
-    }
-    ~CacheRun() override { qov_GetMaxCacheSizeB = m_oldSize; }
-
-    qkCacheUpdate m_update = nullptr;
-
-private:
-    decltype(qov_GetMaxCacheSizeB) m_oldSize = qov_GetMaxCacheSizeB;
-};
-
-TEST_F(CacheRun, TriesSizesUntilTheDataFit)
+TEST_F(TestRun, GivesUpWhenNoSizeFitsTheCache)
 {
-    void* data = nullptr;
-    m_test.m_script["initData"] = [&] { data = qkTest::allocate(m_inner.value(), 0); };
-    m_test.m_script["flushData"] = [&] { qkTest::deallocate(data); };
-    EXPECT_EQ(m_test.run(), OK);
-    EXPECT_EQ(m_test.m_sets, words("1310721 20971521")) << "both sizes with the outer parameter behind";
-    EXPECT_THAT(m_table.take(), HasSubstr(",131072,1,inCache nLps=32,"));
-}
-
-TEST_F(CacheRun, GivesUpWhenNoSizeFits)
-{
-    m_update = [](qkParameter*, int, int, bool) { return false; };
+    const auto oldSize = std::exchange(qov_GetMaxCacheSizeB, [](int* size) {
+        *size = 1 << 20;
+        return QovStatus(0);
+    });
+    qkTest::m_cache = true;
+    fill(m_outer, {1});
+    fill(m_inner, {8});
+    m_test.m_script["canStart"] = [this] {
+        for (qkIterator<int>* parm : {&m_inner, &m_outer})
+            m_test.regCacheParm(*parm, nullptr, [](qkParameter*, int, int, bool) { return false; });
+    };
     EXPECT_EQ(m_test.run(), DATAFAIL);
+    qov_GetMaxCacheSizeB = oldSize;
     EXPECT_EQ(*--m_test.parms().end(), &m_outer) << "only the first size is wrapped";
     const std::string text = m_console.take();
     EXPECT_THAT(text, HasSubstr("inCache:Inner=8 Outer=1 \n-- Fail to allocate inCache data\n"));
@@ -402,33 +310,13 @@ TEST_F(CacheRun, GivesUpWhenNoSizeFits)
     EXPECT_TRUE(m_test.m_sets.empty());
 }
 
-int call()
-{
-    return 0;
-}
-qkResult loop(int, long long*)
-{
-    return OK;
-}
-qkResult stat(int*, long long*)
-{
-    return OK;
-}
-qkResult old(qkTool&, int)
-{
-    return OK;
-}
-
 TEST_F(TestRun, TellsHowItWillBeMeasured)
 {
     enum Form { aLoop = 1, aStat = 2, aCall = 4, anInit = 8, anOld = 16, dataUse = 32, useStat = 64 };
-    struct Case {
-        int forms;
-        int method;
+    const struct {
+        int forms, method;
         const char* text;
-    };
-    const Case cases[] = {
-        {0, qkTool::Auto, " without any function to call.\n No standard timing method is available"},
+    } cases[] = {
         {anInit, qkTool::Auto, " without any function to call.\n No standard timing method is available"},
         {aLoop | aStat, qkTool::Auto, " with loopMethod, statMethod\n   loopMethod is called for measuring."},
         {aLoop | aStat | useStat, qkTool::Iterative,
@@ -445,12 +333,16 @@ TEST_F(TestRun, TellsHowItWillBeMeasured)
         {anOld | aCall | dataUse, qkTool::Auto,
          " with oldMethod, funcCall\n   oldMethod is called for measuring."},
     };
-    for (const Case& row : cases) {
-        m_test.m_funcLoop = row.forms & aLoop ? loop : nullptr;
-        m_test.m_funcStat = row.forms & aStat ? stat : nullptr;
+    const qkFuncCall call = [] { return 0; };
+    for (const auto& row : cases) {
+        m_test.m_funcLoop = nullptr;
+        m_test.m_funcStat = nullptr;
+        m_test.m_funcOld = nullptr;
+        if (row.forms & aLoop) m_test.m_funcLoop = [](int, long long*) { return OK; };
+        if (row.forms & aStat) m_test.m_funcStat = [](int*, long long*) { return OK; };
+        if (row.forms & anOld) m_test.m_funcOld = [](qkTool&, int) { return OK; };
         m_test.m_funcCall = row.forms & aCall ? call : nullptr;
         m_test.m_funcInit = row.forms & anInit ? call : nullptr;
-        m_test.m_funcOld = row.forms & anOld ? old : nullptr;
         m_test.tool().m_dataUse = row.forms & dataUse;
         m_test.tool().m_useStat = row.forms & useStat;
         m_test.tool().m_method = row.method;
@@ -462,24 +354,9 @@ TEST_F(TestRun, TellsHowItWillBeMeasured)
 TEST_F(TestRun, FormatsClocksWithThreeDigits)
 {
     const std::pair<double, const char*> cases[] = {
-        {-1, ""},
-        {0, ""},
-        {0.00009, "9.000e-05"},
-        {0.0001, "0.000100"},
-        {0.00099, "0.000990"},
-        {0.001, "0.00100"},
-        {0.01, "0.0100"},
-        {0.1, "0.100"},
-        {0.999, "0.999"},
-        {1, "1.00"},
-        {9.99, "9.99"},
-        {10, "10.0"},
-        {99.94, "99.9"},
-        {100, "100"},
-        {1e7, "10000000"},
-        {1.0001e7, "1.000e+07"},
-        {1e8, "1.000e+08"},
-    };
+        {-1, ""},           {0, ""},          {0.00009, "9.000e-05"}, {0.0001, "0.000100"},
+        {0.001, "0.00100"}, {0.01, "0.0100"}, {0.999, "0.999"},       {9.99, "9.99"},
+        {10, "10.0"},       {100, "100"},     {1e7, "10000000"},      {1.0001e7, "1.000e+07"}};
     for (const auto& [clocks, text] : cases)
         EXPECT_STREQ(m_test.formatClocks(clocks).c_str(), text) << clocks;
 }
@@ -500,13 +377,11 @@ TEST_F(TestRun, DividesByElementsOrTellsMegaflops)
 // counts multiples of the session's misalignment, and the mutual shift is a multiple of 64.
 TEST_F(TestRun, AllocatesWithAlignmentAndMutualShift)
 {
-    struct Case {
+    const struct {
         bool firstOnly;
-        int align;
-        int shift;
+        int align, shift;
         std::vector<int> distances;
-    };
-    const Case cases[] = {
+    } cases[] = {
         {false, 3, 64, {3, 3, 3}},
         {false, -2, 64, {10, 10, 10}},
         {true, -2, 0, {10, 0, 0}},
@@ -514,20 +389,17 @@ TEST_F(TestRun, AllocatesWithAlignmentAndMutualShift)
     };
     qkSetVectorAlign(5);
     const int oldShift = qkGetVectorShift();
-    for (const Case& row : cases) {
+    for (const auto& row : cases) {
         qkSetAlignSrc(row.firstOnly);
         qkSetVectorShift(row.shift);
         qkTest::m_vectorNum = qkTest::m_vectorShift = 0;
-        std::vector<int> distances;
-        std::vector<void*> blocks;
-        for (std::size_t i = 0; i < row.distances.size(); i++) {
-            blocks.push_back(qkTest::allocate(10, row.align));
-            distances.push_back(static_cast<int>(reinterpret_cast<std::uintptr_t>(blocks.back()) % 64));
+        for (const int expected : row.distances) {
+            void* block = qkTest::allocate(10, row.align);
+            EXPECT_EQ(static_cast<int>(reinterpret_cast<std::uintptr_t>(block) % 64), expected);
+            qkTest::deallocate(block);
         }
-        EXPECT_EQ(distances, row.distances);
         EXPECT_EQ(qkTest::m_vectorNum, 3);
         EXPECT_EQ(qkTest::m_vectorShift, 3 * row.shift);
-        for (void* block : blocks) qkTest::deallocate(block);
     }
     qkTest::m_vectorShift = 32768 - 512;
     qkSetVectorShift(512);

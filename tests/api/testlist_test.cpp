@@ -37,15 +37,15 @@ protected:
     TestListRun() { FixedTest::ran.clear(); }
     ~TestListRun() override { qkTestList::m_startFunc = ""; }
 
-    void add(const Strings& names)
+    static void add(qkTestList& list, const Strings& names)
     {
-        for (const std::string& name : names) m_list.append(new FixedTest(name));
+        for (const std::string& name : names) list.append(new FixedTest(name));
     }
-    Strings names() const
+    static Strings names(const qkTestList& list)
     {
-        Strings list;
-        for (const qkTest* test : m_list) list.push_back(test->name().c_str());
-        return list;
+        Strings all;
+        for (const qkTest* test : list) all.push_back(test->name().c_str());
+        return all;
     }
 
     qkTestList m_list;
@@ -59,51 +59,36 @@ TEST_F(TestListRun, SortIsStable)
         expected.push_back(std::to_string(i));
         expected.back().insert(0, 1, "qazwsx"[i * 7 % 6]);
     }
-    add(expected);
+    add(m_list, expected);
     std::stable_sort(expected.begin(), expected.end(),
                      [](const std::string& a, const std::string& b) { return a[0] < b[0]; });
     m_list.sortFunc();
-    EXPECT_EQ(names(), expected);
+    EXPECT_EQ(names(m_list), expected);
 }
 
 TEST_F(TestListRun, MovesUnderscoredTestsToTheFront)
 {
     const std::pair<const char*, const char*> cases[] = {
-        {"", ""},       {"b _y a _x", "_y _x b a"}, {"_x a _y b _z", "_x _y _z a b"}, {"_x _y", "_x _y"},
-        {"b a", "b a"},
-    };
+        {"", ""}, {"b _y a _x", "_y _x b a"}, {"_x a _y b _z", "_x _y _z a b"}, {"b a", "b a"}};
     for (const auto& [before, after] : cases) {
-        m_list.erase(m_list.begin(), m_list.end());
-        std::vector<std::unique_ptr<FixedTest>> tests;
-        for (const std::string& name : words(before)) {
-            tests.push_back(std::make_unique<FixedTest>(name));
-            m_list.append(tests.back().get());
-        }
-        m_list.startWithCpuTest();
-        EXPECT_EQ(names(), words(after)) << before;
-        m_list.erase(m_list.begin(), m_list.end());
+        qkTestList list;
+        add(list, words(before));
+        list.startWithCpuTest();
+        EXPECT_EQ(names(list), words(after)) << before;
     }
 }
 
 // Warnings and failures are class totals, and the exit code of the program hangs on the latter alone.
 TEST_F(TestListRun, CountsResultsAndTellsFailures)
 {
-    struct Case {
+    const struct {
         std::vector<qkResult> results;
-        int warnings;
-        int failures;
+        int warnings, failures;
+    } cases[] = {
+        {{UNDEFINED, OK}, 0, 0}, {{ACCURWRN, FUNCWRN, OK}, 2, 0}, {{ACCURFAIL, DATAFAIL}, 0, 2},
+        {{FAIL}, 0, 1},          {{BADSTSWRN, FUNCFAIL}, 1, 1},   {{}, 0, 0},
     };
-    const Case cases[] = {
-        {{UNDEFINED, OK}, 0, 0},
-        {{ACCURWRN, FUNCWRN, OK}, 2, 0},
-        {{WARNING}, 1, 0},
-        {{ACCURFAIL, DATAFAIL}, 0, 2},
-        {{OK, EXCPTFAIL, OK}, 0, 1},
-        {{FAIL}, 0, 1},
-        {{BADSTSWRN, FUNCFAIL}, 1, 1},
-        {{}, 0, 0},
-    };
-    for (const Case& row : cases) {
+    for (const auto& row : cases) {
         SCOPED_TRACE(testing::PrintToString(row.results));
         qkTestList list;
         for (const qkResult result : row.results) list.append(new FixedTest("test", result));
@@ -131,7 +116,7 @@ TEST_F(TestListRun, StartsWithTheNamedFunction)
         {"", "one two three"}, {"w", "two three"}, {"two", "two three"}, {"e", "one two three"}, {"zz", ""}};
     for (const auto& [start, expected] : cases) {
         qkTestList list;
-        for (const std::string& name : words("one two three")) list.append(new FixedTest(name));
+        add(list, words("one two three"));
         FixedTest::ran.clear();
         qkTestList::m_startFunc = start;
         list.runTests(m_conditions);
@@ -141,7 +126,7 @@ TEST_F(TestListRun, StartsWithTheNamedFunction)
 
 TEST_F(TestListRun, RunsWhatTheConditionsAndTheHotListAllow)
 {
-    add(words("one two three"));
+    add(m_list, words("one two three"));
     m_conditions.append(newRunCondition(RunCondition::byFunction, 0, "t"));
     m_list.runTests(m_conditions);
     qkTest::m_hot = 1;

@@ -2,14 +2,12 @@
 
 #include <gtest/gtest.h>
 
-#include <fstream>
-#include <sstream>
 #include <string>
 #include <vector>
 
 #include "support/capture.h"
+#include "support/listed_files.h"
 #include "support/md5.h"
-#include "support/shared_data.h"
 #include "support/tempfile.h"
 
 using std::string;
@@ -76,48 +74,44 @@ string load(const Bmp& bmp, qdImage& image)
     return text;
 }
 
+const Bmp fourBits{.width = 3,
+                   .height = 2,
+                   .bits = 4,
+                   .used = 3,
+                   .palette = threeColors,
+                   .data = string("\x01\x2f\0\0\xf0\x1f\0\0", 8)};
+
 } // namespace
 
-TEST(Bmp, OneBitPicture)
+// Rows stay in file order. The last pixel of an odd row of nibbles is a high one; indices behind the palette
+// take its last entry; colours keep the file's order.
+TEST(Bmp, PicturesWithAPalette)
 {
-    qdImage image;
-    Bmp bmp{.width = 9,
-            .height = 2,
-            .bits = 1,
-            .palette = blackAndWhite,
-            .data = string("\xA0\x80\0\0\x01\0\0\0", 8)};
-    for (bool swapped : {false, true}) {
-        bmp.swapped = swapped;
-        ASSERT_EQ(load(bmp, image), "");
-        EXPECT_STREQ(image.objectInfo().c_str(), "Image 8u_C1 size=9x2");
-        EXPECT_EQ(pixels(image), string("\xff\0\xff\0\0\0\0\0\xff\0\0\0\0\0\0\0\xff\0", 18))
-            << "in file order";
-    }
-}
-
-// The last pixel of an odd row is a high nibble; indices behind the palette take its last entry; colours keep
-// the file's order.
-TEST(Bmp, FourBitPictureOfOddWidth)
-{
-    qdImage image;
-    const Bmp bmp{.width = 3,
-                  .height = 2,
-                  .bits = 4,
-                  .used = 3,
-                  .palette = threeColors,
-                  .data = string("\x01\x2f\0\0\xf0\x1f\0\0", 8)};
-    ASSERT_EQ(load(bmp, image), "");
-    EXPECT_STREQ(image.objectInfo().c_str(), "Image 8u_C3 size=3x2");
-    EXPECT_EQ(pixels(image), "\1\2\3\4\5\6\7\x8\x9\7\x8\x9\1\2\3\4\5\6");
-}
-
-TEST(Bmp, EightBitPicture)
-{
+    const Bmp oneBit{.width = 9,
+                     .height = 2,
+                     .bits = 1,
+                     .palette = blackAndWhite,
+                     .data = string("\xA0\x80\0\0\x01\0\0\0", 8)};
+    Bmp swapped = oneBit;
+    swapped.swapped = true;
+    const Bmp eightBits{.width = 2, .used = 3, .palette = threeColors, .data = string("\2\xff\0\0", 4)};
+    const string nine("\xff\0\xff\0\0\0\0\0\xff\0\0\0\0\0\0\0\xff\0", 18);
+    const struct {
+        Bmp bmp;
+        const char* info;
+        string pixels;
+    } cases[] = {
+        {oneBit, "Image 8u_C1 size=9x2", nine},
+        {swapped, "Image 8u_C1 size=9x2", nine},
+        {fourBits, "Image 8u_C3 size=3x2", "\1\2\3\4\5\6\7\x8\x9\7\x8\x9\1\2\3\4\5\6"},
+        {eightBits, "Image 8u_C3 size=2x1", "\7\x8\x9\7\x8\x9"},
+    };
     qdImage image(qd16s, 3, true); // whatever it was before
-    const Bmp bmp{
-        .width = 2, .height = 1, .used = 3, .palette = threeColors, .data = string("\2\xff\0\0", 4)};
-    ASSERT_EQ(load(bmp, image), "");
-    EXPECT_EQ(pixels(image), "\7\x8\x9\7\x8\x9");
+    for (const auto& c : cases) {
+        ASSERT_EQ(load(c.bmp, image), "");
+        EXPECT_STREQ(image.objectInfo().c_str(), c.info);
+        EXPECT_EQ(pixels(image), c.pixels);
+    }
 }
 
 // Read as one block: right where the file's rows are as long as the image's, askew where they are not, and
@@ -167,13 +161,7 @@ TEST(Bmp, RefusedFiles)
 // Every length of a good file: no crash, and no picture before the last byte is there.
 TEST(Bmp, CutFiles)
 {
-    const string whole = Bmp{.width = 3,
-                             .height = 2,
-                             .bits = 4,
-                             .used = 3,
-                             .palette = threeColors,
-                             .data = string("\x01\x2f\0\0\xf0\x1f\0\0", 8)}
-                             .file();
+    const string whole = fourBits.file();
     for (size_t length = 0; length < whole.size(); length++) {
         const TempFile file(whole.substr(0, length));
         LevelCapture out(g_ostrm);
@@ -214,49 +202,27 @@ TEST(Bmp, KindsOfImagesThatTakeAFile)
 
 // ---- Files of other makers, and what a list of them says of each
 
-namespace {
-
-struct ListedFile {
-    string name, expected, digest;
-};
-
-std::vector<ListedFile> listedFiles()
-{
-    std::vector<ListedFile> files;
-    std::ifstream list(sharedPath("MANIFEST.tsv"));
-    for (string line; std::getline(list, line);) {
-        std::vector<string> cells;
-        std::istringstream in(line);
-        for (string cell; std::getline(in, cell, '\t');) cells.push_back(cell);
-        cells.resize(12);
-        if (cells[0].compare(0, 4, "bmp/") == 0) files.push_back({cells[0], cells[8], cells[10]});
-    }
-    return files;
-}
-
-} // namespace
-
 TEST(Bmp, FilesOfOthers)
 {
     QK_NEED_SHARED("MANIFEST.tsv");
-    const std::vector<ListedFile> files = listedFiles();
+    const std::vector<ListedFile> files = listedFiles("bmp/");
     ASSERT_GT(files.size(), 15u);
     for (const ListedFile& file : files) {
         LevelCapture out(g_ostrm);
         qdImage image;
-        const bool good = image.loadImage(sharedPath(file.name).c_str(), -1);
+        const bool good = image.loadImage(sharedPath(file.file).c_str(), -1);
         const string message = out.take();
-        const size_t quote = file.expected.find('"');
-        if (file.expected.compare(0, 7, "refused") == 0) {
-            const string text = file.expected.substr(quote + 1, file.expected.rfind('"') - quote - 1);
-            EXPECT_FALSE(good) << file.name;
-            EXPECT_EQ(message, "--- Can't load file " + sharedPath(file.name) + ": " + text + "\n");
+        const size_t quote = file.outcome.find('"');
+        if (file.outcome.compare(0, 7, "refused") == 0) {
+            const string text = file.outcome.substr(quote + 1, file.outcome.rfind('"') - quote - 1);
+            EXPECT_FALSE(good) << file.file;
+            EXPECT_EQ(message, "--- Can't load file " + sharedPath(file.file) + ": " + text + "\n");
         } else {
-            EXPECT_TRUE(good) << file.name;
+            EXPECT_TRUE(good) << file.file;
             EXPECT_EQ(message, "");
             // An empty digest: rows that come out askew.
-            if (!file.digest.empty()) {
-                EXPECT_EQ(Md5::of(pixels(image)), file.digest) << file.name;
+            if (!file.md5.empty()) {
+                EXPECT_EQ(Md5::of(pixels(image)), file.md5) << file.file;
             }
         }
     }

@@ -104,7 +104,7 @@ Adjust lossless(int precision, int predictor, int pt)
 
 struct Segment {
     int marker;
-    Bytes payload; // of SOS and RST: the coded data behind
+    Bytes payload; // of SOS: the coded data behind
     Bytes header;  // of SOS
 };
 
@@ -118,8 +118,7 @@ std::vector<Segment> takeApart(const Bytes& s)
         }
         Segment segment{s[at + 1], {}, {}};
         at += 2;
-        const bool restart = segment.marker >= JM_RST0 && segment.marker <= JM_RST7;
-        if (!restart && segment.marker != JM_SOI && segment.marker != JM_EOI) {
+        if (segment.marker != JM_SOI && segment.marker != JM_EOI) {
             const size_t length = size_t(s[at] << 8 | s[at + 1]);
             if (length < 2 || at + length > s.size()) {
                 ADD_FAILURE() << "length " << length << " at " << at;
@@ -128,7 +127,7 @@ std::vector<Segment> takeApart(const Bytes& s)
             segment.payload.assign(&s[at + 2], &s[at] + length);
             at += length;
         }
-        if (restart || segment.marker == JM_SOS) {
+        if (segment.marker == JM_SOS) {
             segment.header.swap(segment.payload);
             while (at + 1 < s.size() && (s[at] != 0xFF || s[at + 1] == 0)) segment.payload.push_back(s[at++]);
         }
@@ -235,37 +234,6 @@ TEST(JpegEncoder, bytesOfSegments)
               hex(payload(encode({JPEG_BASELINE, JC_CMYK, JC_CMYK}).stream, JM_APP14)));
     EXPECT_EQ("41646f626500640000000002",
               hex(payload(encode({JPEG_BASELINE, JC_CMYK, JC_YCCK}).stream, JM_APP14)));
-}
-
-// Restarts are numbered round 0 to 7, stand between MCUs only, and start anew in each scan. In the AC scans
-// of a progressive picture an MCU is one block of the real picture.
-TEST(JpegEncoder, restarts)
-{
-    const struct {
-        Case c;
-        std::vector<int> mcus; // of each scan
-    } rows[] = {
-        {{JPEG_BASELINE, JC_RGB, JC_YCBCR, JS_444, 80, 17, 4}, {30}},
-        {{JPEG_BASELINE, JC_RGB, JC_YCBCR, JS_411, 80, 17, 3}, {10}},
-        {{JPEG_BASELINE, JC_GRAY, JC_GRAY, JS_444, 80, 17, 1}, {30}},
-        {{JPEG_PROGRESSIVE, JC_RGB, JC_YCBCR, JS_411, 20, 39, 3}, {6, 15, 6, 6, 15, 15, 6, 6, 6, 15}},
-        {{JPEG_PROGRESSIVE, JC_RGB, JC_YCBCR, JS_422, 25, 39, 1}, {10, 20, 10, 10, 20, 20, 10, 10, 10, 20}},
-    };
-    for (const auto& row : rows) {
-        SCOPED_TRACE(&row - rows);
-        std::vector<std::vector<int>> scans;
-        for (const Segment& segment : takeApart(encode(row.c).stream)) {
-            if (segment.marker == JM_SOS) scans.emplace_back();
-            if (segment.marker >= JM_RST0 && segment.marker <= JM_RST7)
-                scans.back().push_back(segment.marker - JM_RST0);
-        }
-        ASSERT_EQ(row.mcus.size(), scans.size());
-        for (size_t i = 0; i < scans.size(); i++) {
-            std::vector<int> expected;
-            for (int r = 0; r < (row.mcus[i] - 1) / row.c.restart; r++) expected.push_back(r % 8);
-            EXPECT_EQ(expected, scans[i]) << "scan " << i;
-        }
-    }
 }
 
 // Coding a picture gives the same data as coding that picture with its last column and row repeated up to

@@ -3,14 +3,13 @@
 
 #include <gtest/gtest.h>
 
-#include <fstream>
 #include <memory>
 #include <sstream>
 #include <string>
 #include <vector>
 
+#include "../support/listed_files.h"
 #include "../support/md5.h"
-#include "../support/shared_data.h"
 
 namespace {
 // A TIFF structure in one byte order, written field by field.
@@ -60,13 +59,6 @@ struct Parsed {
         return shown ? shown.get() : "none";
     }
 };
-
-std::string read(const std::string& path)
-{
-    std::ostringstream text;
-    text << std::ifstream(path, std::ios::binary).rdbuf();
-    return text.str();
-}
 
 // Of several Exif segments the last one counts, as in the decoder.
 std::string exifPayload(const std::string& jpeg)
@@ -118,28 +110,19 @@ std::string outcome(const Parsed& parsed)
 TEST(MetadataFiles, giveTheListedOutcomeAndThumbnail)
 {
     QK_NEED_SHARED("MANIFEST.tsv");
-    std::istringstream list(read(sharedPath("MANIFEST.tsv")));
-    int files = 0;
-    for (std::string line; std::getline(list, line);) {
-        if (line.compare(0, 5, "exif/") != 0) continue;
-        std::vector<std::string> fields;
-        std::istringstream row(line);
-        for (std::string field; std::getline(row, field, '\t');) fields.push_back(field);
-        ASSERT_GE(fields.size(), 9u) << line;
-        SCOPED_TRACE(fields[0]);
-        files++;
-
-        const Parsed parsed(exifPayload(read(sharedPath(fields[0]))));
-        EXPECT_EQ(outcome(parsed), fields[8]);
+    const std::vector<ListedFile> files = listedFiles("exif/");
+    EXPECT_FALSE(files.empty());
+    for (const ListedFile& file : files) {
+        SCOPED_TRACE(file.file);
+        const Parsed parsed(exifPayload(readFile(sharedPath(file.file))));
+        EXPECT_EQ(outcome(parsed), file.outcome);
         if (const Qov8u* thumbnail = parsed.meta->GetJPEGThumbnailsData()) {
             const auto length = static_cast<size_t>(parsed.meta->GetJPEGThumbnailsLen());
-            ASSERT_GE(fields.size(), 11u);
-            EXPECT_EQ(Md5::of(std::string(reinterpret_cast<const char*>(thumbnail), length)), fields[10]);
+            EXPECT_EQ(Md5::of(std::string(reinterpret_cast<const char*>(thumbnail), length)), file.md5);
         }
         for (int ifd = 0; ifd < CJPEGMetaData::NUM_IFDS; ifd++)
             for (int i = 0; i < parsed.meta->GetIfdNumEntries(ifd); i++) parsed.text(ifd, i);
     }
-    EXPECT_GT(files, 0);
 }
 
 TEST(MetadataValue, isReadAndShown)

@@ -1,43 +1,16 @@
 // The decoder on files from elsewhere: each row of the list tells what has to come out, and djpeg (for CMYK
 // ImageMagick) shows the picture. An outcome that this test does not understand is a failure.
 #include "jpegdec.h"
+#include "support/listed_files.h"
 #include "support/md5.h"
 #include "support/oracle.h"
-#include "support/shared_data.h"
 
 #include <algorithm>
 #include <cstring>
-#include <fstream>
 #include <memory>
 #include <regex>
-#include <sstream>
 
 namespace {
-
-std::string readFile(const std::string& path)
-{
-    std::ostringstream text;
-    text << std::ifstream(path, std::ios::binary).rdbuf();
-    return text.str();
-}
-
-struct Row {
-    std::string file, outcome, reference, md5;
-};
-
-std::vector<Row> listed()
-{
-    std::vector<Row> rows;
-    std::istringstream list(readFile(sharedPath("MANIFEST.tsv")));
-    for (std::string line; std::getline(list, line);) {
-        if (line.rfind("jpeg/", 0) != 0) continue;
-        std::vector<std::string> fields(12);
-        std::istringstream cells(line);
-        for (std::string& field : fields) std::getline(cells, field, '\t');
-        rows.push_back({fields[0], fields[8], fields[9], fields[10]});
-    }
-    return rows;
-}
 
 enum class Pixels { any, untouched, touched, exact, near };
 
@@ -128,7 +101,7 @@ bool understand(std::string text, Expectation* expected)
 
 // The picture as another decoder has it, whatever it warns of. ImageMagick gives CMYK as ink, the stream
 // holds its complement.
-Picture otherPicture(const Row& row, const std::string& stream, const Picture& ours)
+Picture otherPicture(const ListedFile& row, const std::string& stream, const Picture& ours)
 {
     if (row.reference.find("CMYK") != std::string::npos) {
         Picture picture = ours;
@@ -191,7 +164,7 @@ void checkPixels(const Expectation& expected, const Outcome& outcome, const Pict
     EXPECT_LE(distance(picture, other, border).most, 3);
 }
 
-void checkFile(const Row& row)
+void checkFile(const ListedFile& row)
 {
     Expectation expected;
     ASSERT_TRUE(understand(row.outcome, &expected)) << row.outcome;
@@ -222,9 +195,9 @@ TEST(SharedJpeg, EveryFileHasItsOutcome)
     QK_NEED_SHARED("MANIFEST.tsv");
     for (const char* name : {"djpeg", "convert"})
         QK_SKIP_UNLESS(haveProgram(name), std::string(name) + " is missing");
-    const std::vector<Row> rows = listed();
+    const std::vector<ListedFile> rows = listedFiles("jpeg/");
     EXPECT_GT(rows.size(), 50u);
-    for (const Row& row : rows) {
+    for (const ListedFile& row : rows) {
         SCOPED_TRACE(row.file);
         checkFile(row);
     }

@@ -1,47 +1,19 @@
 // The codec's arguments: what is taken, and which fault answers what is not.
-#include "cmdoptions.h"
+#include "codec_testing.h"
 #include "commandline.h"
 #include "diagnrecords.h"
 
 #include <gtest/gtest.h>
 
-#include <sstream>
-#include <string>
-#include <vector>
+#include <algorithm>
 
 using namespace jpeg2000;
 
 namespace {
 
-class Texts : public BDiagnOutput {
-public:
-    std::vector<std::string> warnings;
-    void Warning(const BDiagnDescr& descr) override
-    {
-        char buffer[BDiagnDescr::maxLength + 1];
-        warnings.push_back(descr.Context(buffer));
-    }
-};
-
-CmdOptions parse(const std::string& line, BDiagnOutput& sink)
-{
-    std::istringstream stream(line);
-    std::vector<std::string> words{"codec"};
-    for (std::string word; stream >> word;) words.push_back(word);
-    std::vector<const char*> argv;
-    for (const std::string& word : words) argv.push_back(word.c_str());
-    return CmdOptions(argv.data(), static_cast<int>(argv.size()), sink);
-}
-
-CmdOptions parse(const std::string& line)
-{
-    BDiagnOutput sink;
-    return parse(line, sink);
-}
-
 TEST(CmdOptions, DefaultsAreLossless)
 {
-    const CmdOptions options = parse("-i in.BMP");
+    const CmdOptions options = optionsOf("-i in.BMP");
     EXPECT_TRUE(options.dstFile == "in.jp2");
     EXPECT_EQ(options.mode, 1);
     EXPECT_EQ(options.srcType, FileType::bmp);
@@ -58,7 +30,7 @@ TEST(CmdOptions, ValuesStandBehindTheKeyOrNext)
     for (const char* line :
          {"-i a.bmp -o b.jp2 -mct- -wlev 3 -ratio 12.5e0 -wt wt97 -linf- -gray never -pnm plain",
           "-pnm plain -gray never -linf- -wt wt97 -ratio12.5 -wlev3 -mct+ -mct- -o b.jp2 -i a.bmp"}) {
-        const CmdOptions options = parse(line);
+        const CmdOptions options = optionsOf(line);
         EXPECT_TRUE(options.srcFile == "a.bmp" && options.dstFile == "b.jp2");
         EXPECT_EQ(options.nOfLevels, 3);
         EXPECT_EQ(options.ratio, 12.5);
@@ -66,13 +38,13 @@ TEST(CmdOptions, ValuesStandBehindTheKeyOrNext)
         EXPECT_TRUE(options.isPlainPNM);
         EXPECT_FALSE(options.isMCT || options.isReversible || options.isLibInfo);
     }
-    EXPECT_EQ(parse("-i a.bmp -wlev 0").nOfLevels, 0);
+    EXPECT_EQ(optionsOf("-i a.bmp -wlev 0").nOfLevels, 0);
 }
 
 TEST(CmdOptions, DecodingNeedsNoOutput)
 {
-    EXPECT_TRUE(parse("-i a.jp2").isDisplay);
-    const CmdOptions options = parse("-i a.j2k -o b.PgM");
+    EXPECT_TRUE(optionsOf("-i a.jp2").isDisplay);
+    const CmdOptions options = optionsOf("-i a.j2k -o b.PgM");
     EXPECT_EQ(options.mode, 0);
     EXPECT_EQ(options.dstType, FileType::pnm);
     EXPECT_FALSE(options.isDisplay);
@@ -82,7 +54,7 @@ template <int row>
 void expectFault(const std::vector<const char*>& lines)
 {
     using Fault = DiagnDescrCT<CmdOptionsException, CmdOptionsException{row}>;
-    for (const char* line : lines) EXPECT_THROW(parse(line), Fault) << line;
+    for (const char* line : lines) EXPECT_THROW(optionsOf(line), Fault) << line;
 }
 
 TEST(CmdOptions, FaultsAreToldApart)
@@ -118,16 +90,15 @@ TEST(CmdOptions, DerivedStepsAreLimitedWithAWarning)
                           {"1e300", 2047, 0, {reduced + "511.875"}},
                           {"6e-8", 0, 31, {small + "6e-08 that", reduced + "1.19209e-07"}},
                           {"1e-300", 0, 31, {small + "1e-300 that", reduced + "1.19209e-07"}}}) {
-        Texts sink;
-        const CmdOptions options = parse(std::string("-i a.bmp -dquant ") + c.step, sink);
+        Warnings sink;
+        const CmdOptions options = optionsOf(std::string("-i a.bmp -dquant ") + c.step, sink);
         EXPECT_TRUE(options.isDerivedQuant);
         EXPECT_EQ(options.mantissa, c.mantissa) << c.step;
         EXPECT_EQ(options.exponent, c.exponent) << c.step;
-        ASSERT_EQ(sink.warnings.size(), c.begins.size()) << c.step;
-        for (size_t i = 0; i < c.begins.size(); i++)
-            EXPECT_EQ(sink.warnings[i].find(c.begins[i]), 0u) << c.step;
+        ASSERT_EQ(sink.texts.size(), c.begins.size()) << c.step;
+        for (size_t i = 0; i < c.begins.size(); i++) EXPECT_EQ(sink.texts[i].find(c.begins[i]), 0u) << c.step;
     }
-    EXPECT_FALSE(parse("-i a.bmp -dquant 0").isDerivedQuant);
+    EXPECT_FALSE(optionsOf("-i a.bmp -dquant 0").isDerivedQuant);
 }
 
 TEST(CmdOptions, HelpShowsEveryKeyAndEndsTheParse)

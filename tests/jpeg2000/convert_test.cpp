@@ -1,4 +1,5 @@
 // From decoded images to the bytes of bitmaps and PNM files: depths, palettes, sizes, and what is warned of.
+#include "codec_testing.h"
 #include "dibwrite.h"
 #include "dynrange.h"
 #include "imageform.h"
@@ -8,21 +9,12 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <string>
-#include <vector>
-
 using namespace jpeg2000;
 using testing::ElementsAre;
 using testing::EndsWith;
 using testing::IsEmpty;
 
 namespace {
-
-std::string textOf(const BDiagnDescr& descr)
-{
-    char text[BDiagnDescr::maxLength + 1];
-    return descr.Context(text);
-}
 
 template <class Family>
 std::vector<std::string> textsOf(const std::vector<int>& rows)
@@ -31,12 +23,6 @@ std::vector<std::string> textsOf(const std::vector<int>& rows)
     for (const int row : rows) texts.push_back(diagnText(Family{row}));
     return texts;
 }
-
-class Warnings : public BDiagnOutput {
-public:
-    std::vector<std::string> texts;
-    void Warning(const BDiagnDescr& descr) override { texts.push_back(textOf(descr)); }
-};
 
 TEST(DynRange, LiftsShiftsAndLimits)
 {
@@ -105,8 +91,8 @@ struct Picture {
 
     std::string file(FileType type, Warnings& sink, bool isPlain = false)
     {
-        const char* const argv[] = {"codec", "-i", "a.jp2", "-o", type == FileType::bmp ? "a.bmp" : "a.ppm"};
-        CmdOptions options(argv, 5, sink);
+        CmdOptions options =
+            optionsOf(type == FileType::bmp ? "-i a.jp2 -o a.bmp" : "-i a.jp2 -o a.ppm", sink);
         options.isPlainPNM = isPlain;
         const std::unique_ptr<ImageForm> form = MakeImageForm(options, image, sink);
         std::string bytes(form->EstimateNOfBytes(), '?');

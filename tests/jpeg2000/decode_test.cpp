@@ -1,45 +1,21 @@
 // The ways into the decoder: what source, what destination, how much room. That pictures come out right is
 // seen beside other programs.
-#include "decode.h"
-#include "encode.h"
+#include "codec_testing.h"
 
 #include <gtest/gtest.h>
-
-#include <string>
-#include <vector>
 
 using namespace jpeg2000;
 
 namespace {
 
-CmdOptions optionsFor(const char* source, const char* target, std::vector<const char*> keys = {})
+std::string fileOf(const std::string& rows, int width, int height, int bitCount, const char* gray = "auto")
 {
-    static BDiagnOutput sink;
-    keys.insert(keys.begin(), {"codec", "-i", source, "-o", target});
-    return CmdOptions(keys.data(), static_cast<int>(keys.size()), sink);
-}
-
-// A JP2 file of a bitmap whose rows are `rows`.
-std::string encoded(std::string rows, int width, int height, int bitCount, const char* gray = "auto")
-{
-    BDiagnOutput sink;
-    const int step = static_cast<int>(rows.size()) / height;
-    _BMPBUFF bmp{nullptr, reinterpret_cast<uint8_t*>(rows.data()), width, height, step, 0, 0, bitCount};
-    std::string file(65536, '\0');
-    _JP2BUFF jp2{reinterpret_cast<uint8_t*>(file.data()), 65536, 0, 0};
-    EXPECT_EQ(encode(optionsFor("a.bmp", "a.jp2", {"-gray", gray}), sink, bmp, jp2), 0);
-    return file.substr(0, jp2.length);
+    return encodedBitmap(std::string("-i a.bmp -gray ") + gray, rows, width, height, bitCount, 65536).file;
 }
 
 std::string codestreamOf(const std::string& file)
 {
     return file.substr(file.find("\xFF\x4F\xFF\x51"));
-}
-
-_JP2BUFF sourceOf(std::string& file)
-{
-    const auto size = static_cast<uint32_t>(file.size());
-    return {reinterpret_cast<uint8_t*>(file.data()), size, size, 0};
 }
 
 struct Decoded {
@@ -49,11 +25,10 @@ struct Decoded {
 
 Decoded decodeInto(uint32_t room, std::string file, const CmdOptions& options)
 {
-    BDiagnOutput sink;
     std::string buffer(room, '#');
     _BMPBUFF bmp{reinterpret_cast<uint8_t*>(buffer.data()), nullptr, 0, 0, 0, room, 0, 0};
     testing::internal::CaptureStdout();
-    const int result = decode(options, sink, sourceOf(file), bmp);
+    const int result = decode(options, deafSink, sourceOf(file), bmp);
     return {result, buffer.substr(0, bmp.length), testing::internal::GetCapturedStdout()};
 }
 
@@ -61,17 +36,17 @@ const std::string greys("\x10\x20\x30\0\x40\x50\xFF\0", 8); // rows of 3x2 from 
 
 TEST(Decode, AnImageNeedsRoom)
 {
-    const std::string file = encoded(greys, 3, 2, 8);
+    const std::string file = fileOf(greys, 3, 2, 8);
     struct Case {
         CmdOptions options;
         uint32_t needed;
         std::string name, end;
     };
-    for (const Case& c : {Case{optionsFor("a.jp2", "a.bmp"), 54 + 1024 + 8, "bmpFile", greys},
-                          {optionsFor("a.jp2", "a.pgm"), 11 + 6, "pnmFile", "255\n\x40\x50\xFF\x10\x20\x30"},
-                          // Text has room for digits that do not come.
-                          {optionsFor("a.jp2", "a.pgm", {"-pnm", "plain"}), 11 + 6 * 4, "pnmFile",
-                           "64 80 255\n16 32 48\n"}}) {
+    for (const Case& c :
+         {Case{optionsOf("-i a.jp2 -o a.bmp"), 54 + 1024 + 8, "bmpFile", greys},
+          {optionsOf("-i a.jp2 -o a.pgm"), 11 + 6, "pnmFile", "255\n\x40\x50\xFF\x10\x20\x30"},
+          // Text has room for digits that do not come.
+          {optionsOf("-i a.jp2 -o a.pgm -pnm plain"), 11 + 6 * 4, "pnmFile", "64 80 255\n16 32 48\n"}}) {
         const Decoded whole = decodeInto(c.needed, file, c.options);
         EXPECT_EQ(whole.result, 0);
         EXPECT_EQ(whole.printed, "");
@@ -84,36 +59,35 @@ TEST(Decode, AnImageNeedsRoom)
                                        " bytes\n");
     }
     const std::string stream = codestreamOf(file);
-    EXPECT_EQ(decodeInto(100, stream, optionsFor("a.j2k", "a.pgm")).file,
+    EXPECT_EQ(decodeInto(100, stream, optionsOf("-i a.j2k -o a.pgm")).file,
               "P5\n3 2\n255\n\x40\x50\xFF\x10\x20\x30");
 }
 
 TEST(Decode, TheImageInMemoryIsTheLastCodestream)
 {
-    BDiagnOutput sink;
     // The second codestream in a box of its own behind the first, whose box gets a length.
-    const std::string streams[] = {codestreamOf(encoded(greys, 3, 2, 8)),
-                                   codestreamOf(encoded(std::string("\1\2\3\0", 4), 1, 1, 24))};
-    std::string file = encoded(greys, 3, 2, 8, "never");
+    const std::string streams[] = {codestreamOf(fileOf(greys, 3, 2, 8)),
+                                   codestreamOf(fileOf(std::string("\1\2\3\0", 4), 1, 1, 24))};
+    std::string file = fileOf(greys, 3, 2, 8, "never");
     file.resize(file.find("jp2c") - 4);
     for (const std::string& stream : streams)
         file += std::string("\0\0", 2) + static_cast<char>((stream.size() + 8) >> 8) +
                 static_cast<char>(stream.size() + 8) + "jp2c" + stream;
     _METABUFF meta;
-    ASSERT_EQ(decode(optionsFor("a.jp2", "a.bmp"), sink, sourceOf(file), meta), 0);
+    ASSERT_EQ(decode(optionsOf("-i a.jp2 -o a.bmp"), deafSink, sourceOf(file), meta), 0);
     ASSERT_EQ(meta.components.size, 3u);
     for (unsigned i = 0; i < 3; i++) EXPECT_EQ(meta.components[i].row(0)[0], 3 - static_cast<int>(i));
     EXPECT_TRUE(meta.image.palette.isPalettized);
 
     // Nothing of it is left for the next one.
     std::string stream = streams[0];
-    ASSERT_EQ(decode(optionsFor("a.jpc", "a.bmp"), sink, sourceOf(stream), meta), 0);
+    ASSERT_EQ(decode(optionsOf("-i a.jpc -o a.bmp"), deafSink, sourceOf(stream), meta), 0);
     ASSERT_EQ(meta.components.size, 1u);
     EXPECT_EQ(meta.components[0].row(0)[2], 255);
     EXPECT_FALSE(meta.image.palette.isPalettized);
 
     testing::internal::CaptureStdout();
-    EXPECT_EQ(decode(optionsFor("a.bmp", "a.jp2"), sink, sourceOf(stream), meta), -1);
+    EXPECT_EQ(decode(optionsOf("-i a.bmp -o a.jp2"), deafSink, sourceOf(stream), meta), -1);
     EXPECT_EQ(testing::internal::GetCapturedStdout(), "\n  Error decode(): CmdOptions::jp2 ");
 }
 

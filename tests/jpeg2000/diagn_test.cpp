@@ -1,17 +1,17 @@
 // Diagnostics: texts reach the caller whole, and only where they may.
+#include "codec_testing.h"
 #include "diagnrecords.h"
 
 #include <gtest/gtest.h>
 
 #include <cstring>
-#include <string>
 
 using namespace jpeg2000;
 
 namespace {
 
-// The text, with guards behind the largest buffer that may be asked for.
-std::string textOf(const BDiagnDescr& descr)
+// With guards behind the largest buffer that may be asked for.
+std::string guardedText(const BDiagnDescr& descr)
 {
     char buffer[BDiagnDescr::maxLength + 2];
     memset(buffer, '#', sizeof buffer);
@@ -23,14 +23,8 @@ std::string textOf(const BDiagnDescr& descr)
 template <auto value>
 std::string text()
 {
-    return textOf(DiagnDescrCT<decltype(value), value>());
+    return guardedText(DiagnDescrCT<decltype(value), value>());
 }
-
-class LastText : public BDiagnOutput {
-public:
-    std::string warning;
-    void Warning(const BDiagnDescr& descr) override { warning = textOf(descr); }
-};
 
 TEST(Diagn, TextsStandAsTheyAre)
 {
@@ -61,9 +55,9 @@ TEST(Diagn, TablesEndWithTheirLastRow)
 
 TEST(Diagn, DataOfTheMomentAreFormatted)
 {
-    LastText sink;
+    Warnings sink;
     warn<0>(sink, CmdOptionsQuantWarning{0.25});
-    EXPECT_EQ(sink.warning, "Derived quantization step reduced to 0.25");
+    EXPECT_EQ(sink.texts.back(), "Derived quantization step reduced to 0.25");
     try {
         fail<1>(FileException("a%sb.bmp"));
     } catch (const BDiagnDescr& descr) {
@@ -71,7 +65,7 @@ TEST(Diagn, DataOfTheMomentAreFormatted)
     }
     const std::string name(5000, 'n');
     using Longest = DiagnDescrRT<MapFileException::Cause, MapFileException::Cause{1}, MapFileException>;
-    const std::string text = textOf(Longest(MapFileException(name.c_str())));
+    const std::string text = guardedText(Longest(MapFileException(name.c_str())));
     EXPECT_EQ(text.find_first_not_of('n', 27), 827u); // 800 characters of the name
     EXPECT_EQ(text.substr(text.size() - 11), "developers.");
 }
@@ -81,9 +75,9 @@ TEST(Diagn, ASinkMayBeAbsentOrDeaf)
     BDiagnOutput deaf;
     warn<DPHWarning{0}>(deaf);
     warn<DPHWarning{0}>(BDiagnOutputPtr());
-    LastText sink;
+    Warnings sink;
     warn<DPHWarning{0}>(sink);
-    EXPECT_EQ(sink.warning, text<DPHWarning{0}>());
+    EXPECT_EQ(sink.texts.back(), text<DPHWarning{0}>());
 }
 
 } // namespace

@@ -1,5 +1,6 @@
 // The decoder's tile model: header bits, segments, where precincts and code-blocks lie, and what is too much.
 #include "boundedinput.h"
+#include "codec_testing.h"
 #include "dtilecomp.h"
 #include "eprecinct.h"
 
@@ -16,11 +17,6 @@ namespace {
 
 using BitsIn = PHBitIn<MemoryBoundedInputBE>;
 
-struct CountingSink : BDiagnOutput {
-    int warnings = 0;
-    void Warning(const BDiagnDescr&) override { warnings++; }
-};
-
 struct Bytes : std::vector<uint8_t> {
     void WriteByte(uint8_t value) { push_back(value); }
     void Write(const uint8_t*, unsigned n) { resize(size() + n); }
@@ -34,7 +30,7 @@ TEST(PHBitIn, FlushTakesPaddingAndStuffing)
         unsigned read;
         bool isCheck;
         unsigned taken;
-        int warnings;
+        size_t warnings;
     } const cases[] = {
         {{0x00, 1}, 1, true, 1, 0},
         {{0x01, 0}, 1, true, 1, 1},
@@ -48,12 +44,12 @@ TEST(PHBitIn, FlushTakesPaddingAndStuffing)
     };
     for (const auto& c : cases) {
         MemoryBoundedInputBE input(c.bytes.data(), static_cast<uint32_t>(c.bytes.size()));
-        CountingSink sink;
+        Warnings sink;
         BitsIn bits(input, sink);
         bits.Read(c.read);
         bits.Flush(c.isCheck);
         EXPECT_EQ(input.position - c.bytes.data(), c.taken) << testing::PrintToString(c.bytes);
-        EXPECT_EQ(sink.warnings, c.warnings) << testing::PrintToString(c.bytes);
+        EXPECT_EQ(sink.texts.size(), c.warnings) << testing::PrintToString(c.bytes);
     }
     const uint8_t cut[] = {0xFF};
     MemoryBoundedInputBE input(cut, 1);
@@ -260,14 +256,14 @@ TEST(DTileComp, ResolutionsWithoutSamplesHaveNoPackets)
 TEST(DTileComp, WarnsOfPaddingInEmptyPackets)
 {
     Component c({{15, 15}}, {6, 6});
-    CountingSink sink;
+    Warnings sink;
     c.workspace.sink = sink;
     c.build();
     const uint8_t bytes[] = {0x00, 0x01, 0x7F};
     MemoryBoundedInputBE input(bytes, sizeof bytes);
-    for (const int warnings : {0, 1, 2}) {
+    for (const size_t warnings : {0, 1, 2}) {
         c.comp.ReadPacket(input, 0, {0, 0}, 0);
-        EXPECT_EQ(sink.warnings, warnings);
+        EXPECT_EQ(sink.texts.size(), warnings);
     }
     EXPECT_EQ(input.bytesLeft(), 0u);
 }

@@ -4,16 +4,23 @@
 #include "djp2file.h"
 
 #include <cxxabi.h>
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <memory>
 #include <string>
+#include <vector>
 
 using namespace jpeg2000;
 
 namespace {
 
 using Input = MemoryBoundedInputBE;
+
+Input inputOf(const std::string& bytes)
+{
+    return {reinterpret_cast<const uint8_t*>(bytes.data()), static_cast<uint32_t>(bytes.size())};
+}
 
 std::string hex(const std::string& digits)
 {
@@ -61,7 +68,9 @@ struct Siz {
 
 const std::string soc = hex("FF4F"), sod = hex("FF93"), eoc = hex("FFD9"), emptyPacket = hex("00");
 const std::string cod = segment("FF52", hex("00 00 0001 00 00 04 04 00 01"));
-const std::string qcd = segment("FF5C", hex("40 40"));
+const std::string qcd = segment("FF5C", hex("40 40")), qcc = segment("FF5D", hex("00 40 40"));
+const std::string coc = segment("FF53", hex("00 00 00 04 04 00 01"));
+const std::string poc = segment("FF5F", hex("00 00 0001 01 01 00"));
 
 struct TilePart {
     std::string header = {}, packets = emptyPacket;
@@ -79,13 +88,13 @@ struct TilePart {
     }
 };
 
-std::string withSiz(const Siz& siz)
-{
-    return soc + siz.bytes() + cod + qcd + TilePart().bytes() + eoc;
-}
 std::string withMain(const std::string& segments, const Siz& siz = {})
 {
     return soc + siz.bytes() + segments + TilePart().bytes() + eoc;
+}
+std::string withSiz(const Siz& siz)
+{
+    return withMain(cod + qcd, siz);
 }
 std::string withParts(const std::string& parts)
 {
@@ -117,9 +126,9 @@ std::string fileWith(const std::string& header,
 {
     return signature + fileType + box("jp2h", header) + behind;
 }
-std::string withImageHeader(const char* body)
+std::string withImageHeader(const char* body, const std::string& boxes = grey)
 {
-    return fileWith(box("ihdr", hex(body)) + grey);
+    return fileWith(box("ihdr", hex(body)) + boxes);
 }
 std::string withSubBoxes(const std::string& boxes)
 {
@@ -196,13 +205,12 @@ void check(const Case (&cases)[n])
 
 TEST(Parser, MainHeader)
 {
-    const std::string coc = segment("FF53", hex("00 00 00 04 04 00 01")),
-                      qcc = segment("FF5D", hex("00 40 40"));
-    const std::string poc = segment("FF5F", hex("00 00 0001 01 01 00"));
     const Case cases[] = {
         {"as it should be", withMain(cod + qcd), ""},
         {"no SIZ", hex("FF4F FF52"), "throws CSException 2"},
-        {"capabilities", withSiz({.rsiz = 1}), "MarkerWarning 3"},
+        {"capabilities, tile grid in the image, depth 39",
+         withSiz({.rsiz = 1, .tileX = 1, .components = "26 01 01"}),
+         "MarkerWarning 3, MarkerWarning 4, MarkerWarning 5"},
         {"31 bits of width", withSiz({.x1 = 0x80000000}), "throws MarkerException 1"},
         {"31 bits of tile origin", withSiz({.tileY = 0x80000000}), "throws MarkerException 1"},
         {"origin behind the image", withSiz({.y0 = 9}), "throws MarkerException 2"},
@@ -215,18 +223,15 @@ TEST(Parser, MainHeader)
          "throws MarkerException 1"},
         {"2^62 tiles", withSiz({.x1 = 0x7FFFFFFF, .y1 = 0x7FFFFFFF, .tileWidth = 1, .tileHeight = 1}),
          "throws MarkerException 1"},
-        {"tile grid in the image", withSiz({.tileX = 1}), "MarkerWarning 4"},
-        {"depth 39", withSiz({.components = "26 01 01"}), "MarkerWarning 5"},
         {"no sampling", withSiz({.components = "07 01 00"}), "throws MarkerException 1"},
         {"short SIZ", soc + segment("FF51", hex("0000 00000008")), "throws ByteInputException 0"},
-        {"COD twice", withMain(cod + cod + qcd), "CSWarning 5"},
-        {"COC twice", withMain(cod + qcd + coc + coc), "CSWarning 7"},
-        {"QCD twice", withMain(cod + qcd + qcd), "CSWarning 6"},
-        {"QCC twice", withMain(cod + qcd + qcc + qcc), "CSWarning 8"},
-        {"POC twice", withMain(cod + qcd + poc + poc), "CSWarning 9"},
-        {"COC behind the components", withMain(cod + qcd + segment("FF53", hex("01 00 00 04 04 00 01"))), ""},
+        {"segments twice", withMain(cod + cod + qcd + coc + coc + qcd + qcc + qcc + poc + poc),
+         "CSWarning 5, CSWarning 7, CSWarning 6, CSWarning 8, CSWarning 9"},
+        {"COC and QCC behind the components",
+         withMain(cod + qcd + segment("FF53", hex("01 00 00 04 04 00 01")) +
+                  segment("FF5D", hex("01 40 40"))),
+         ""},
         {"COC farther", withMain(segment("FF53", hex("02"))), "throws CSException 3"},
-        {"QCC behind the components", withMain(cod + qcd + segment("FF5D", hex("01 40 40"))), ""},
         {"QCC farther", withMain(segment("FF5D", hex("02"))), "throws CSException 4"},
         {"what is passed over",
          withMain(cod + qcd + segment("FF55", "x") + segment("FF57", "x") + segment("FF63", "x") +
@@ -245,7 +250,7 @@ TEST(Parser, MainHeader)
     check(cases);
 
     const std::string other = hex("FF52");
-    Input input(reinterpret_cast<const uint8_t*>(other.data()), 2);
+    Input input = inputOf(other);
     DJP2CSMainHeader header;
     using NoSOC = DiagnDescrCT<DJP2CSException, DJP2CSException{1}>;
     EXPECT_THROW(header.Read(input, nullptr), NoSOC);
@@ -255,8 +260,8 @@ TEST(Parser, CodingStyleAndProgression)
 {
     const Case cases[] = {
         {"progression 5", withCOD("00 05 0001 00 00 04 04 00 01"), "throws MarkerException 3"},
-        {"no layer", withCOD("00 00 0000 00 00 04 04 00 01"), "MarkerWarning 2, CSWarning 28"},
-        {"component transform 2", withCOD("00 00 0001 02 00 04 04 00 01"), "MarkerWarning 6"},
+        {"no layer, component transform 2", withCOD("00 00 0000 02 00 04 04 00 01"),
+         "MarkerWarning 2, MarkerWarning 6, CSWarning 28"},
         {"33 levels", withCOD("00 00 0001 00 21 04 04 00 01"), "throws MarkerException 4"},
         {"width 2048", withCOD("00 00 0001 00 00 09 04 00 01"), "throws MarkerException 5"},
         {"height 2048", withCOD("00 00 0001 00 00 04 09 00 01"), "throws MarkerException 6"},
@@ -287,9 +292,6 @@ TEST(Parser, CodingStyleAndProgression)
 
 TEST(Parser, TileParts)
 {
-    const std::string coc = segment("FF53", hex("00 00 00 04 04 00 01")),
-                      qcc = segment("FF5D", hex("00 40 40"));
-    const std::string poc = segment("FF5F", hex("00 00 0001 01 01 00"));
     const auto part = [](const TilePart& told) { return told.bytes(); };
     const std::string further = part({.packets = "", .index = 1, .nOfParts = 2}),
                       first = part({.nOfParts = 2});
@@ -314,15 +316,12 @@ TEST(Parser, TileParts)
          "CSWarning 17"},
         {"segments twice", withTileHeader(cod + cod + coc + coc + qcd + qcd + qcc + qcc + poc + poc),
          "CSWarning 12, CSWarning 14, CSWarning 13, CSWarning 15, CSWarning 16"},
-        {"POC twice, further part",
-         withParts(first + part({.header = poc + poc, .packets = "", .index = 1, .nOfParts = 2}) + eoc),
-         "CSWarning 16"},
+        {"COD, POC twice in a further part",
+         withParts(first + part({.header = cod + poc + poc, .packets = "", .index = 1, .nOfParts = 2}) + eoc),
+         "CSWarning 11, CSWarning 16"},
         {"what is passed over",
          withTileHeader(segment("FF58", "x") + segment("FF64", "x") + segment("FF5E", "x")),
          "CSWarning 23, CSWarning 22, CSWarning 11"},
-        {"COD in a further part",
-         withParts(first + part({.header = cod, .packets = "", .index = 1, .nOfParts = 2}) + eoc),
-         "CSWarning 11"},
         {"PPT", withTileHeader(segment("FF61", "x")), "throws CSUnsuppException 3"},
         {"PPM", withTileHeader(segment("FF60", "x")), "throws CSUnsuppException 2"},
         {"COC behind the components", withTileHeader(segment("FF53", hex("01 00 00 04 04 00 01"))), ""},
@@ -335,12 +334,12 @@ TEST(Parser, TileParts)
 TEST(Parser, FilesAndBoxes)
 {
     const std::string stream = withParts(TilePart().bytes() + eoc);
-    const std::string resc = box("resc", hex("0001 0001 0001 0001 00 00"));
-    const std::string resd = box("resd", hex("0001 0001 0001 0001 00 00"));
+    const std::string ones = hex("0001 0001 0001 0001 00 00");
+    const std::string resc = box("resc", ones), resd = box("resd", ones);
+    const char* const varying = "00000008 00000008 0001 FF 07 00 00";
     const auto ofBox = [&](const std::string& boxes) { return signature + fileType + boxes; };
     const auto withPalette = [&](const char* body) { return withSubBoxes(box("pclr", hex(body)) + mapping); };
     const Case cases[] = {
-        {"as it should be", withSubBoxes(""), ""},
         {"two codestreams", withSubBoxes("") + box("jp2c", stream), ""},
         {"another brand",
          signature + box("ftyp", "jpx " + hex("00000000") + "jpx jp2 ") + fileWith(ihdr).substr(32), ""},
@@ -373,8 +372,9 @@ TEST(Parser, FilesAndBoxes)
         {"another size", withImageHeader("00000009 00000008 0001 07 07 00 00"), "FileWarning 4"},
         {"2 components of 1", withImageHeader("00000008 00000008 0002 07 07 00 00"),
          "BoxWarning 21, FileWarning 3"},
-        {"unknown box", withSubBoxes(box("cdef", "x")), "BoxWarning 0"},
-        {"colour twice", withSubBoxes(grey), "BoxWarning 6"},
+        {"unknown box, others twice",
+         withSubBoxes(box("cdef", "x") + grey + palette + palette + mapping + mapping),
+         "BoxWarning 0, BoxWarning 6, BoxWarning 4, BoxWarning 5"},
         {"colour by a profile", fileWith(ihdr + box("colr", hex("02 00 00 0102"))), "BoxWarning 12"},
         {"colour space 12", fileWith(ihdr + box("colr", hex("01 00 00 0000000C"))), "BoxWarning 13"},
         {"RGB of 1", fileWith(ihdr + box("colr", hex("01 00 00 00000010"))), "BoxWarning 21"},
@@ -382,18 +382,12 @@ TEST(Parser, FilesAndBoxes)
          "BoxWarning 7, BoxWarning 20"},
         {"other depths", withSubBoxes(box("bpcc", "\6")), "BoxWarning 25"},
         {"depth of 39 bits", withSubBoxes(box("bpcc", "\x26")), "BoxWarning 15, BoxWarning 25"},
-        {"varying depths",
-         fileWith(box("ihdr", hex("00000008 00000008 0001 FF 07 00 00")) + box("bpcc", "\7")), ""},
-        {"varying depths untold", withImageHeader("00000008 00000008 0001 FF 07 00 00"), "BoxWarning 25"},
-        {"varying depths wrong",
-         fileWith(box("ihdr", hex("00000008 00000008 0001 FF 07 00 00")) + box("bpcc", "\6")),
-         "FileWarning 6"},
-        {"resolutions", withSubBoxes(box("res ", resc + resd)), ""},
+        {"varying depths", withImageHeader(varying, box("bpcc", "\7")), ""},
+        {"varying depths untold", withImageHeader(varying), "BoxWarning 25"},
+        {"varying depths wrong", withImageHeader(varying, box("bpcc", "\6")), "FileWarning 6"},
+        {"resolutions, palette", withSubBoxes(box("res ", resc + resd) + palette + mapping), ""},
         {"resolutions twice", withSubBoxes(box("res ", resc + resc + resd + resd + box("resx", ""))),
          "BoxWarning 8, BoxWarning 9, BoxWarning 1"},
-        {"palette", withSubBoxes(palette + mapping), ""},
-        {"palette twice", withSubBoxes(palette + palette + mapping), "BoxWarning 4"},
-        {"mapping twice", withSubBoxes(palette + mapping + mapping), "BoxWarning 5"},
         {"palette alone", withSubBoxes(palette), "BoxWarning 24"},
         {"mapping alone", withSubBoxes(mapping), "BoxWarning 23"},
         {"mapping to no column", withSubBoxes(palette + box("cmap", hex("0000 01 01"))), "BoxWarning 18"},
@@ -435,7 +429,7 @@ TEST(Parser, PrecedenceOfHeaders)
     };
     for (const auto& c : cases) {
         const std::string stream = mainHeader + c.tileHeader + sod;
-        Input input(reinterpret_cast<const uint8_t*>(stream.data()), static_cast<uint32_t>(stream.size()));
+        Input input = inputOf(stream);
         DJP2CSMainHeader header;
         ASSERT_TRUE(header.Read(input, nullptr)) << c.what;
         DJP2CSTilePartHeader0 tileHeader;
@@ -453,7 +447,7 @@ TEST(Parser, StepsOfAComponent)
 {
     const auto stepsOf = [](const char* body, unsigned nOfLevels, QuantComponent& steps) {
         const std::string bytes = hex(body);
-        Input input(reinterpret_cast<const uint8_t*>(bytes.data()), static_cast<uint32_t>(bytes.size()));
+        Input input = inputOf(bytes);
         DJP2QuantComp quant;
         quant.Read(input);
         quant.Conform(nOfLevels, steps);
@@ -481,12 +475,11 @@ TEST(Parser, PaletteValues)
     const std::string body = ihdr + box("pclr", hex("0002 03 84 8B 3F"
                                                     "1F 0800 0102030405060708"
                                                     "0F 07FF FFFFFFFFFFFFFFFF"));
-    Input input(reinterpret_cast<const uint8_t*>(body.data()), static_cast<uint32_t>(body.size()));
+    Input input = inputOf(body);
     DJP2BoxHeader header;
     header.Read(input, nullptr);
     const long long expected[3][2] = {{-1, 15}, {-2048, 2047}, {0x0102030405060708, -1}};
-    ASSERT_EQ(header.palette.nOfEntries, 2);
-    ASSERT_EQ(header.palette.nOfColumns, 3);
+    ASSERT_TRUE(header.palette.nOfEntries == 2 && header.palette.nOfColumns == 3);
     for (unsigned column = 0; column < 3; column++)
         for (unsigned entry = 0; entry < 2; entry++)
             EXPECT_EQ(header.palette.values[column][entry], expected[column][entry]) << column << entry;
@@ -495,17 +488,15 @@ TEST(Parser, PaletteValues)
 TEST(Parser, ProgressionChanges)
 {
     const std::string stream = withPOC("01 00 0002 03 00 04  00 01 0001 21 02 02  00 00 00");
-    Input input(reinterpret_cast<const uint8_t*>(stream.data()), static_cast<uint32_t>(stream.size()));
+    Input input = inputOf(stream);
     DJP2CSMainHeader header;
     ASSERT_TRUE(header.Read(input, nullptr));
-    ASSERT_EQ(header.progrRanges.size, 2u);
-    const JP2ProgrRange& range = header.progrRanges[0];
-    EXPECT_EQ(range.resolutions.origin, 1u);
-    EXPECT_EQ(range.resolutions.end, 3u);
-    EXPECT_EQ(range.components.end, 256u); // 0 is all
-    EXPECT_EQ(range.nOfLayers, 2u);
-    EXPECT_EQ(range.progression, 4u);
-    EXPECT_EQ(header.progrRanges[1].progression, 2u);
+    const auto& ranges = header.progrRanges;
+    ASSERT_EQ(ranges.size, 2u);
+    EXPECT_THAT(
+        (std::vector{ranges[0].resolutions.origin, ranges[0].resolutions.end, ranges[0].components.end,
+                     ranges[0].nOfLayers, ranges[0].progression, ranges[1].progression}),
+        testing::ElementsAre(1, 3, 256, 2, 4, 2)); // no end of the components is all
 }
 
 } // namespace

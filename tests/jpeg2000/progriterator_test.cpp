@@ -124,30 +124,18 @@ Tile randomTile(std::mt19937& random, bool isAwkward = false)
     return tile;
 }
 
+// Where RPCL and PCRL open precincts early, the order is another; but nothing is missed, and nothing walked
+// beyond the last sample.
 TEST(ProgrIterator, WalksEveryPacketInTheOrderOfTheStandard)
 {
     std::mt19937 random(1);
-    for (int round = 0; round < 300; round++) {
-        Tile tile = randomTile(random);
-        for (unsigned progression = 0; progression < 5; progression++) {
-            tile.joint.progression = progression;
-            ASSERT_EQ(tile.walked(), tile.expected(progression))
-                << "round " << round << " order " << progression;
-        }
-    }
-}
-
-// Where RPCL and PCRL open precincts early, the order is another; but nothing is missed, and nothing walked
-// beyond the last sample.
-TEST(ProgrIterator, WalksEveryPacketOnceWhateverTheFactors)
-{
-    std::mt19937 random(3);
-    for (int round = 0; round < 200; round++) {
-        Tile tile = randomTile(random, true);
+    for (int round = 0; round < 500; round++) {
+        const bool isAwkward = round >= 300;
+        Tile tile = randomTile(random, isAwkward);
         for (unsigned progression = 0; progression < 6; progression++) {
             tile.joint.progression = progression;
             std::vector<Packet> walked = tile.walked(), expected = tile.expected(progression);
-            if (progression == 2 || progression == 3) {
+            if (isAwkward && (progression == 2 || progression == 3)) {
                 std::ranges::sort(walked);
                 std::ranges::sort(expected);
             }

@@ -1,10 +1,10 @@
 // The decoder on files from elsewhere: each row of the list tells what has to come out, with which warnings,
 // and OpenJPEG shows the samples where they are not exact. An outcome that this test does not understand is a
 // failure.
-#include "decode.h"
+#include "codec_testing.h"
+#include "support/listed_files.h"
 #include "support/md5.h"
 #include "support/oracle.h"
-#include "support/shared_data.h"
 #include "support/tempfile.h"
 
 #include "qovcore.h"
@@ -18,33 +18,8 @@ using namespace jpeg2000;
 
 namespace {
 
-std::string readFile(const std::string& path)
-{
-    std::ostringstream text;
-    text << std::ifstream(path, std::ios::binary).rdbuf();
-    return text.str();
-}
-
-struct Row {
-    std::string file, outcome, md5, warnings;
-};
-
-std::vector<Row> listed()
-{
-    std::vector<Row> rows;
-    std::istringstream list(readFile(sharedPath("MANIFEST.tsv")));
-    for (std::string line; std::getline(list, line);) {
-        if (line.rfind("jp2/", 0) != 0) continue;
-        std::vector<std::string> fields(12);
-        std::istringstream cells(line);
-        for (std::string& field : fields) std::getline(cells, field, '\t');
-        rows.push_back({fields[0], fields[8], fields[10], fields[11]});
-    }
-    return rows;
-}
-
 template <class Family>
-std::string textOf(int row)
+std::string rowOf(int row)
 {
     return diagnText(Family{row});
 }
@@ -53,16 +28,16 @@ std::string textOf(int row)
 std::string rowText(const std::string& name)
 {
     static const std::map<std::string, std::string (*)(int)> families = {
-        {"ByteInputException", textOf<ByteInputException>},
-        {"DJP2BoxException", textOf<DJP2BoxException>},
-        {"DJP2BoxWarning", textOf<DJP2BoxWarning>},
-        {"DJP2CSException", textOf<DJP2CSException>},
-        {"DJP2CSUnsuppException", textOf<DJP2CSUnsuppException>},
-        {"DJP2CSWarning", textOf<DJP2CSWarning>},
-        {"DJP2FileException", textOf<DJP2FileException>},
-        {"DJP2FileWarning", textOf<DJP2FileWarning>},
-        {"DJP2MarkerException", textOf<DJP2MarkerException>},
-        {"DJP2MarkerWarning", textOf<DJP2MarkerWarning>}};
+        {"ByteInputException", rowOf<ByteInputException>},
+        {"DJP2BoxException", rowOf<DJP2BoxException>},
+        {"DJP2BoxWarning", rowOf<DJP2BoxWarning>},
+        {"DJP2CSException", rowOf<DJP2CSException>},
+        {"DJP2CSUnsuppException", rowOf<DJP2CSUnsuppException>},
+        {"DJP2CSWarning", rowOf<DJP2CSWarning>},
+        {"DJP2FileException", rowOf<DJP2FileException>},
+        {"DJP2FileWarning", rowOf<DJP2FileWarning>},
+        {"DJP2MarkerException", rowOf<DJP2MarkerException>},
+        {"DJP2MarkerWarning", rowOf<DJP2MarkerWarning>}};
     std::istringstream words(name);
     std::string family;
     int row = -1;
@@ -84,16 +59,6 @@ Counts countsOf(const std::string& list)
         counts[rowText((*at)[1])] += (*at)[2].matched ? std::stoi((*at)[2]) : 1;
     return counts;
 }
-
-class CountingSink : public BDiagnOutput {
-public:
-    Counts counts;
-    void Warning(const BDiagnDescr& descr) override
-    {
-        char text[BDiagnDescr::maxLength + 1];
-        counts[descr.Context(text)]++;
-    }
-};
 
 // Row by row.
 struct Plane {
@@ -121,24 +86,22 @@ Plane planeOf(const ImageComponent& component, MRstrImageDepth depth)
 Outcome decoded(const std::string& name)
 {
     Outcome outcome;
-    CountingSink sink;
+    Warnings sink;
     const std::string file = readFile(sharedPath(name));
     std::vector<uint8_t> bytes(file.begin(), file.end()); // ends where the memory ends
     // By what they hold: some bare codestreams have the extension of a file.
-    const bool isBare = file.rfind("\xFF\x4F", 0) == 0;
-    const char* const argv[] = {"codec", "-i", isBare ? "a.j2k" : "a.jp2", "-o", "a.bmp"};
+    const bool isBare = file.starts_with("\xFF\x4F");
     try {
-        const CmdOptions options(argv, 5, sink);
-        const auto size = static_cast<uint32_t>(bytes.size());
+        const CmdOptions options = optionsOf(isBare ? "-i a.j2k -o a.bmp" : "-i a.jp2 -o a.bmp", sink);
         _METABUFF meta;
+        const auto size = static_cast<uint32_t>(bytes.size());
         EXPECT_EQ(0, decode(options, sink, {bytes.data(), size, size, 0}, meta));
         for (unsigned i = 0; i < meta.components.size; i++)
             outcome.planes.push_back(planeOf(meta.components[i], meta.image.depths[i]));
     } catch (const BDiagnDescr& descr) {
-        char text[BDiagnDescr::maxLength + 1];
-        outcome.thrown = descr.Context(text);
+        outcome.thrown = textOf(descr);
     }
-    outcome.warnings = sink.counts;
+    for (const std::string& text : sink.texts) outcome.warnings[text]++;
     return outcome;
 }
 
@@ -235,7 +198,7 @@ const Departure departures[] = {
     {"jp2/p1_04.j2k", 0, 0, 36.6},
 };
 
-const Departure* departureOf(const Row& row)
+const Departure* departureOf(const ListedFile& row)
 {
     const auto* found =
         std::find_if(std::begin(departures), std::end(departures),
@@ -244,7 +207,7 @@ const Departure* departureOf(const Row& row)
 }
 
 // A plane of reference, whose name tells of what: c1p0_04_2.pgx is component 2 of p0_04.j2k.
-void checkReference(const Row& row, const std::string& allowed)
+void checkReference(const ListedFile& row, const std::string& allowed)
 {
     std::smatch parts;
     ASSERT_TRUE(std::regex_match(row.file, parts, std::regex(R"(jp2/c1(\w+)_(\d)\.pgx)")));
@@ -262,7 +225,7 @@ void checkReference(const Row& row, const std::string& allowed)
     }
 }
 
-void checkPlanes(const Row& row, const std::vector<Plane>& planes)
+void checkPlanes(const ListedFile& row, const std::vector<Plane>& planes)
 {
     const auto begins = [&row](const char* text) { return row.outcome.rfind(text, 0) == 0; };
     if (row.outcome == "decodes bit-exactly (reversible)") {
@@ -286,7 +249,7 @@ void checkPlanes(const Row& row, const std::vector<Plane>& planes)
     }
 }
 
-void checkFile(const Row& row)
+void checkFile(const ListedFile& row)
 {
     std::smatch parts;
     if (std::regex_match(row.outcome, parts, std::regex("reference only: (.*)")))
@@ -305,9 +268,9 @@ TEST(SharedJpeg2000, EveryFileHasItsOutcome)
     QK_NEED_SHARED("MANIFEST.tsv");
     QK_SKIP_UNLESS(haveProgram("opj_decompress"), "opj_decompress is missing");
     qovInit();
-    const std::vector<Row> rows = listed();
+    const std::vector<ListedFile> rows = listedFiles("jp2/");
     EXPECT_GT(rows.size(), 70u);
-    for (const Row& row : rows) {
+    for (const ListedFile& row : rows) {
         SCOPED_TRACE(row.file);
         checkFile(row);
     }

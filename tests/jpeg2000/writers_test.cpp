@@ -1,13 +1,12 @@
 // Boxes and marker segments byte by byte (ITU-T T.800, annexes A and I), and packets with nothing in them.
 #include "boxes.h"
+#include "codec_testing.h"
 #include "codestream.h"
 #include "markers.h"
 
 #include <gtest/gtest.h>
 
 #include <functional>
-#include <string>
-#include <vector>
 
 using namespace jpeg2000;
 
@@ -29,11 +28,9 @@ std::string withoutSpaces(std::string text)
     return text;
 }
 
-CmdOptions withKeys(std::vector<const char*> keys)
+CmdOptions withKeys(const std::string& keys)
 {
-    keys.insert(keys.begin(), {"codec", "-i", "in.bmp"});
-    BDiagnOutput sink;
-    return {keys.data(), static_cast<int>(keys.size()), sink};
+    return optionsOf("-i in.bmp " + keys);
 }
 
 TEST(Writers, BytesAreThoseOfTheStandard)
@@ -42,9 +39,8 @@ TEST(Writers, BytesAreThoseOfTheStandard)
     const uint8_t precincts[] = {0x88, 0x99};
     DIBRGBValue palette[2] = {};
     palette[1].blue = 1, palette[1].green = 2, palette[1].red = 3;
-    const CmdOptions reversible = withKeys({"-wt", "wt53"}),
-                     expounded = withKeys({"-wt", "wt97", "-ratio", "2"});
-    CmdOptions derived = withKeys({"-wt", "wt97", "-ratio", "2", "-dquant", "0.75"});
+    const CmdOptions reversible = withKeys("-wt wt53"), expounded = withKeys("-wt wt97 -ratio 2");
+    CmdOptions derived = withKeys("-wt wt97 -ratio 2 -dquant 0.75");
     derived.mantissa = 0x123;
 
     struct {
@@ -98,19 +94,19 @@ TEST(Writers, BytesAreThoseOfTheStandard)
 TEST(Writers, PacketsMayCarryNothing)
 {
     const struct {
-        std::vector<const char*> keys;
+        const char* keys;
         int sample; // 128: no block has a pass
         int contrast;
     } cases[] = {
-        {{"-ratio", "0"}, 128, 0},
-        {{"-ratio", "2"}, 128, 0},
-        {{"-ratio", "1e9"}, 128, 0},
-        {{"-ratio", "1e9"}, 100, 7},
-        {{"-ratio", "1e9", "-wt", "wt97"}, 100, 7},
-        {{"-ratio", "600"}, 100, 7}, // a byte less than the empty packets take
+        {"-ratio 0", 128, 0},
+        {"-ratio 2", 128, 0},
+        {"-ratio 1e9", 128, 0},
+        {"-ratio 1e9", 100, 7},
+        {"-ratio 600", 100, 7}, // a byte less than the empty packets take
+        {"-ratio 1e9 -wt wt97", 100, 7},
     };
     for (const auto& one : cases) {
-        SCOPED_TRACE(one.keys[1]);
+        SCOPED_TRACE(one.keys);
         ImagePn<int> image;
         image.Alloc(40, 40, 3);
         for (unsigned c = 0; c < 3; c++)

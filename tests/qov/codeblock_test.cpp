@@ -1,9 +1,9 @@
 // The code-block encoder: each level against the coder of the flow charts, and every place where a block may
 // be cut decoded.
 #include "codeblock_reference.h"
+#include "codeblock_samples.h"
 #include "qov_testing.h"
 
-#include <cmath>
 #include <memory>
 
 namespace {
@@ -27,7 +27,7 @@ struct Job {
     QoviWTSubband band;
     int magnBits, style;
     QoviMQTermination term;
-    std::vector<Qov32u> samples;
+    CodeBlockSamples samples;
 };
 
 std::ostream& operator<<(std::ostream& out, const Job& job)
@@ -95,33 +95,10 @@ Coded code(const Job& job, QoviEncodeCBState* state, int spare = 0, int piece = 
     return coded;
 }
 
-// Noise, sparse spikes, a smooth hill, single samples, or the largest values, `bits` planes high.
-std::vector<Qov32u> randomSamples(Random& random, QoviSize size, int bits)
-{
-    const int kind = random.in(0, 4);
-    std::vector<Qov32u> samples(size_t(size.width) * size.height);
-    const double width = random.in(1, 40), x0 = random.in(0, size.width), y0 = random.in(0, size.height);
-    for (int y = 0; y < size.height; y++)
-        for (int x = 0; x < size.width; x++) {
-            const double wide = kind == 2   ? std::exp(-(std::abs(x - x0) + std::abs(y - y0)) / width)
-                                : kind == 4 ? 1
-                                : kind == 3 ? random.oneIn(300)
-                                : kind == 1 ? random.oneIn(12)
-                                            : random.in(0, 1000) / 1000.0;
-            const double limit = std::ldexp(wide, bits);
-            Qov32u magnitude = Qov32u(std::min(limit, std::ldexp(1.0, bits) - 1));
-            if (kind == 0 && random.oneIn(2)) magnitude >>= random.in(0, bits);
-            samples[size_t(y) * size.width + x] = magnitude | Qov32u(random.in(0, 1)) << 31;
-        }
-    return samples;
-}
-
 Job randomJob(Random& random)
 {
     Job job;
-    job.size = {random.in(1, 64), random.in(1, 64)};
-    if (random.oneIn(8))
-        job.size = random.oneIn(2) ? QoviSize{random.in(1, 1024), 4} : QoviSize{4, random.in(1, 1024)};
+    job.size = randomBlockSize(random, 4);
     job.band = QoviWTSubband(random.in(0, 3));
     const int bits = random.oneIn(6) ? random.in(0, 31) : random.in(0, 9);
     job.magnBits = random.oneIn(2) ? 31 : random.in(std::max(0, 31 - bits), 31);
@@ -151,14 +128,14 @@ std::vector<Bytes> cutAt(std::vector<Bytes> segments, int length)
     return segments;
 }
 
-std::vector<Qov32u> values(const plain::Block& block, size_t count)
+CodeBlockSamples values(const plain::Block& block, size_t count)
 {
-    std::vector<Qov32u> all(count);
+    CodeBlockSamples all(count);
     for (size_t i = 0; i < count; i++) all[i] = block.value(int(i));
     return all;
 }
 
-double errorFall(const std::vector<Qov32u>& truth, const std::vector<Qov32u>& decoded)
+double errorFall(const CodeBlockSamples& truth, const CodeBlockSamples& decoded)
 {
     long double fall = 0;
     for (size_t i = 0; i < truth.size(); i++) {
@@ -172,10 +149,7 @@ double errorFall(const std::vector<Qov32u>& truth, const std::vector<Qov32u>& de
 // come out as from all bytes, the error as told.
 void checkBlock(const Job& job, const Coded& coded)
 {
-    Qov32u all = 0;
-    for (Qov32u sample : job.samples) all |= sample & 0x7FFFFFFF;
-    int sfBits = 0;
-    while (all >> sfBits) sfBits++;
+    const int sfBits = bitsOf(job.samples);
     ASSERT_EQ(sfBits, coded.sfBits);
     const int planes = sfBits - (31 - job.magnBits);
     ASSERT_EQ(planes > 0 ? 3 * planes - 2 : 0, coded.passes);
@@ -193,7 +167,7 @@ void checkBlock(const Job& job, const Coded& coded)
     for (const Bytes& segment : coded.segments) expectNoMarkers(segment);
 
     const size_t count = job.samples.size();
-    std::vector<std::vector<Qov32u>> whole;
+    std::vector<CodeBlockSamples> whole;
     plain::decode(coded.segments, job.size, job.band, job.style, sfBits, coded.passes, coded.passes,
                   [&](int, const plain::Block& block) {
                       ASSERT_FALSE(block.damaged);
@@ -264,7 +238,7 @@ TEST(EncodeCodeBlock, NothingLeft)
 {
     const State state = makeState({8, 8});
     for (Qov32u value : {0u, 0x80000000u, 5u, 0u}) {
-        const Job job = {{8, 8}, qoviWTSubbandLxLy, 31, 0, qoviMQTermShort, std::vector<Qov32u>(64, value)};
+        const Job job = {{8, 8}, qoviWTSubbandLxLy, 31, 0, qoviMQTermShort, CodeBlockSamples(64, value)};
         const Coded coded = code(job, state.get());
         EXPECT_EQ(value == 5 ? 7 : 0, coded.passes);
         EXPECT_EQ(value == 5 ? 1 : 0, coded.segmentCount);
@@ -279,30 +253,16 @@ TEST(EncodeCodeBlock, NothingLeft)
 
 TEST(EncodeCodeBlock, StatusesOfInitAlloc)
 {
-    struct Case {
-        QoviSize size;
-        QovStatus status;
+    const auto check = [](QovStatus right, const std::vector<QoviSize>& sizes) {
+        for (const QoviSize& size : sizes) {
+            QoviEncodeCBState* state = reinterpret_cast<QoviEncodeCBState*>(1);
+            EXPECT_EQ(right, qoviEncodeInitAlloc_JPEG2K(&state, size)) << size.width << "x" << size.height;
+            EXPECT_EQ(right == qovStsNoErr, state != nullptr);
+            EXPECT_EQ(qovStsNoErr, qoviEncodeFree_JPEG2K(state));
+        }
     };
-    const Case cases[] = {
-        {{1, 1}, qovStsNoErr},
-        {{64, 64}, qovStsNoErr},
-        {{1024, 4}, qovStsNoErr},
-        {{3, 1024}, qovStsNoErr},
-        {{0, 64}, qovStsSize},
-        {{64, -1}, qovStsSize},
-        {{1025, 1}, qovStsSize},
-        {{1, 1025}, qovStsSize},
-        {{64, 65}, qovStsSize},
-        {{1024, 5}, qovStsSize},
-        {{0x10000, 0x10000}, qovStsSize},
-    };
-    for (const Case& c : cases) {
-        SCOPED_TRACE(testing::Message() << c.size.width << "x" << c.size.height);
-        QoviEncodeCBState* state = reinterpret_cast<QoviEncodeCBState*>(1);
-        EXPECT_EQ(c.status, qoviEncodeInitAlloc_JPEG2K(&state, c.size));
-        EXPECT_EQ(c.status == qovStsNoErr, state != nullptr);
-        EXPECT_EQ(qovStsNoErr, qoviEncodeFree_JPEG2K(state));
-    }
+    check(qovStsNoErr, {{1, 1}, {64, 64}, {1024, 4}, {3, 1024}});
+    check(qovStsSize, {{0, 64}, {64, -1}, {1025, 1}, {1, 1025}, {64, 65}, {1024, 5}, {0x10000, 0x10000}});
     EXPECT_EQ(qovStsNullPtr, qoviEncodeInitAlloc_JPEG2K(nullptr, {8, 8}));
 }
 
@@ -352,7 +312,7 @@ TEST(EncodeCodeBlock, StatusesOfTheAnswers)
     double dist = 0;
     Qov8u byte = 0;
     EXPECT_EQ(qovStsBadArg, qoviEncodeGetRate_JPEG2K(state.get(), 0, &number)); // no block yet
-    code({{8, 8}, qoviWTSubbandLxLy, 31, 0, qoviMQTermShort, std::vector<Qov32u>(64, 1)}, state.get());
+    code({{8, 8}, qoviWTSubbandLxLy, 31, 0, qoviMQTermShort, CodeBlockSamples(64, 1)}, state.get());
     for (const auto& [index, status] : {std::pair(-1, qovStsBadArg), {0, qovStsNoErr}, {1, qovStsBadArg}}) {
         EXPECT_EQ(status, qoviEncodeGetRate_JPEG2K(state.get(), index, &number)) << index;
         EXPECT_EQ(status, qoviEncodeGetDist_JPEG2K(state.get(), index, &dist)) << index;

@@ -1,9 +1,8 @@
 // The code-block decoder: held against the flow charts after every segment, on code that is whole, cut or
-// nonsense; our own coder's blocks come back.
+// nonsense.
 #include "codeblock_reference.h"
+#include "codeblock_samples.h"
 #include "qov_testing.h"
-
-#include <bit>
 
 namespace {
 
@@ -38,9 +37,9 @@ public:
         }
         return !m_block.damaged;
     }
-    std::vector<Qov32u> samples() const
+    CodeBlockSamples samples() const
     {
-        std::vector<Qov32u> all(m_count);
+        CodeBlockSamples all(m_count);
         for (size_t i = 0; i < m_count; i++)
             all[i] = m_block.value(int(i), !(m_style & qoviCodeStyleLossless));
         return all;
@@ -116,9 +115,9 @@ public:
                                                     job.sfBits, job.segments[0].counter, lengths.data(),
                                                     int(job.segments.size()), job.style);
     }
-    std::vector<Qov32u> samples()
+    CodeBlockSamples samples()
     {
-        std::vector<Qov32u> all(size_t(m_size.width) * m_size.height);
+        CodeBlockSamples all(size_t(m_size.width) * m_size.height);
         for (int y = 0; y < m_size.height; y++)
             std::memcpy(&all[size_t(y) * m_size.width], m_dst.as<char>() + y * m_step, m_size.width * 4u);
         EXPECT_TRUE(m_dst.intact(m_step, m_size.width * 4u) && m_state.intact());
@@ -149,7 +148,7 @@ void checkSteps(const Job& job, Random& random)
     struct Expected {
         QovStatus status;
         int left;
-        std::vector<Qov32u> samples;
+        CodeBlockSamples samples;
     };
     std::vector<Expected> expected;
     PlainDecoder plainly(job.size, job.band, job.sfBits, job.style);
@@ -176,7 +175,7 @@ void checkSteps(const Job& job, Random& random)
             ASSERT_TRUE(expected[i].samples == decoder.samples()) << "segment " << i;
         }
         decoder.attach(job);
-        ASSERT_TRUE(decoder.samples() == std::vector<Qov32u>(expected[0].samples.size()));
+        ASSERT_TRUE(decoder.samples() == CodeBlockSamples(expected[0].samples.size()));
         ASSERT_EQ(0, decoder.counter());
         if (!small || !oneCounter) return;
         const bool whole = fits && good && left == 0;
@@ -185,42 +184,11 @@ void checkSteps(const Job& job, Random& random)
     });
 }
 
-QoviSize randomSize(Random& random)
+Job codedJob(Random& random, int style, bool predictable)
 {
-    switch (random.in(0, 9)) {
-    case 0: return {random.in(1, 1024), random.in(1, 4)};
-    case 1: return {random.in(1, 4), random.in(1, 1024)};
-    default: return {random.in(1, 64), random.in(1, 64)};
-    }
-}
-
-// Noise of all magnitudes, some of it empty; a hill or a few spikes.
-std::vector<Qov32u> randomSamples(Random& random, QoviSize size, int bits)
-{
-    const int kind = random.in(0, 2), rareness = random.in(1, 40);
-    std::vector<Qov32u> samples(size_t(size.width) * size.height);
-    for (int y = 0; y < size.height; y++)
-        for (int x = 0; x < size.width; x++) {
-            Qov32u magnitude = bits ? Qov32u(random.in(0, 0x7FFFFFFF)) >> (31 - bits) : 0;
-            if (kind == 0) magnitude >>= random.in(0, 30);
-            if (kind == 1) magnitude >>= std::min(30, (std::abs(x - 20) + std::abs(y - 10)) / 3);
-            if (kind == 2 && !random.oneIn(rareness)) magnitude = 0;
-            samples[size_t(y) * size.width + x] = magnitude | Qov32u(random.in(0, 1)) << 31;
-        }
-    return samples;
-}
-
-int bitsOf(const std::vector<Qov32u>& samples)
-{
-    Qov32u all = 0;
-    for (Qov32u sample : samples) all |= sample & 0x7FFFFFFF;
-    return int(std::bit_width(all));
-}
-
-Job codedJob(Random& random, std::vector<Qov32u>& samples, int style, bool predictable)
-{
-    Job job = {randomSize(random), QoviWTSubband(random.in(0, 3)), 0, style, {}};
-    samples = randomSamples(random, job.size, random.oneIn(4) ? random.in(1, 31) : random.in(1, 10));
+    Job job = {randomBlockSize(random, 4), QoviWTSubband(random.in(0, 3)), 0, style, {}};
+    const auto samples =
+        randomSamples(random, job.size, random.oneIn(4) ? random.in(1, 31) : random.in(1, 10));
     job.sfBits = std::max(1, bitsOf(samples));
     const int passes = 3 * job.sfBits - 2;
     for (Bytes& bytes : plain::encode(samples, job.size, job.band, style, job.sfBits, passes, predictable))
@@ -261,8 +229,7 @@ TEST(DecodeCodeBlock, AsTheFlowCharts)
     Random random;
     for (int round = 0; round < 400; round++) {
         const int style = round < 64 ? round : random.in(0, 63);
-        std::vector<Qov32u> samples;
-        Job job = codedJob(random, samples, style, random.oneIn(2));
+        Job job = codedJob(random, style, random.oneIn(2));
         if (round % 2) damage(job, random);
         SCOPED_TRACE(testing::Message() << "round " << round << ": " << job);
         checkSteps(job, random);
@@ -281,51 +248,13 @@ TEST(DecodeCodeBlock, LargeBlocks)
     }
 }
 
-TEST(DecodeCodeBlock, OurOwnBlocksComeBack)
-{
-    Random random;
-    QoviEncodeCBState* encoder = nullptr;
-    ASSERT_EQ(qovStsNoErr, qoviEncodeInitAlloc_JPEG2K(&encoder, {64, 64}));
-    for (int round = 0; round < 200; round++) {
-        Job job = {
-            {random.in(1, 64), random.in(1, 64)}, QoviWTSubband(random.in(0, 3)), 0, random.in(0, 63), {}};
-        const int term = random.in(0, 2), bits = random.in(1, 31), magnBits = random.in(31 - bits, 31);
-        if (term == qoviMQTermPredictable) job.style |= qoviCodeStylePredTerm;
-        const std::vector<Qov32u> samples = randomSamples(random, job.size, bits);
-        int passes = 0, segmentCount = 0, more = 0;
-        ASSERT_EQ(qovStsNoErr, qoviEncodeLoadCodeBlock_JPEG2K_32s_C1R(
-                                   reinterpret_cast<const Qov32s*>(samples.data()), job.size.width * 4,
-                                   job.size, encoder, job.band, magnBits, QoviMQTermination(term),
-                                   qoviMQRateSafe, job.style & 31, &job.sfBits, &passes, &segmentCount));
-        for (int i = 0; i < segmentCount; i++) {
-            int length = 0;
-            ASSERT_EQ(qovStsNoErr, qoviEncodeGetTermPassLen_JPEG2K(encoder, i, &length));
-            Segment segment = {Bytes(size_t(length)), i ? -1 : passes};
-            if (length) qoviEncodeStoreBits_JPEG2K_1u(segment.bytes.data(), &length, encoder, &more);
-            job.segments.push_back(segment);
-        }
-        if (!segmentCount) job.segments.push_back({{}, 0});
-        SCOPED_TRACE(testing::Message() << "round " << round << " term " << term << ": " << job);
-        std::vector<Qov32u> expected(samples.size());
-        const Qov32u known = ~Qov32u(0) << (31 - magnBits),
-                     middle = job.style & qoviCodeStyleLossless ? 0 : ~known ^ ~known >> 1;
-        for (size_t i = 0; i < samples.size(); i++)
-            if (samples[i] & known & 0x7FFFFFFF) expected[i] = (samples[i] & known) | middle;
-        Decoder decoder(job, 0, 0);
-        decoder.setCounter(passes);
-        for (const Segment& segment : job.segments) ASSERT_EQ(qovStsNoErr, decoder.step(segment.bytes));
-        ASSERT_TRUE(expected == decoder.samples());
-    }
-    qoviEncodeFree_JPEG2K(encoder);
-}
-
+// A coder that ends segments predictably is believed, and most changes are found.
 TEST(DecodeCodeBlock, PredictableEnds)
 {
     Random random;
     int changed = 0, found = 0;
     for (int round = 0; round < 300; round++) {
-        std::vector<Qov32u> samples;
-        Job job = codedJob(random, samples, random.in(0, 31), true);
+        Job job = codedJob(random, random.in(0, 31), true);
         job.style |= qoviCodeStylePredTerm;
         SCOPED_TRACE(testing::Message() << "round " << round << ": " << job);
         const size_t bad = size_t(random.in(0, int(job.segments.size()) - 1));
@@ -335,9 +264,10 @@ TEST(DecodeCodeBlock, PredictableEnds)
         else
             other.push_back(Qov8u(random.in(0, 0x7F)));
         forEachLevel([&] {
+            ASSERT_EQ(qovStsNoErr, Decoder(job, 0, 0).decodeAtOnce(job));
             Decoder decoder(job, 0, 0);
             decoder.setCounter(job.segments[0].counter);
-            for (size_t i = 0; i < bad; i++) ASSERT_EQ(qovStsNoErr, decoder.step(job.segments[i].bytes));
+            for (size_t i = 0; i < bad; i++) decoder.step(job.segments[i].bytes);
             changed++;
             found += decoder.step(other) == qovStsDamagedBlock;
         });
